@@ -1,0 +1,48 @@
+#include "runtime/bytes.hpp"
+
+#include <string.h>
+
+#include "runtime/trace.hpp"
+
+namespace {
+
+constexpr za::TraceSource trace{".\\src\\za_low"};
+
+}  // namespace
+
+namespace za {
+
+Status Octets::allocate(size_t size) {
+    Octets fresh;
+    if (size > 0) {
+        if (fits_u32(size)) {
+            fresh.data_ = static_cast<uint8_t *>(
+                ZAPR_Malloc(__FILE_NAME__, __LINE__, static_cast<uint32_t>(size)));
+        }
+        if (fresh.data_ == nullptr) {
+            return trace.fail(Status::memory, "------>ZAPR_Malloc");
+        }
+        fresh.size_ = size;
+    }
+    swap(fresh);
+    return Status::ok;
+}
+
+Status Octets::assign(Bytes bytes) {
+    ZA_PASS(allocate(bytes.size()));
+    put(data_, bytes);
+    return Status::ok;
+}
+
+void hand_out(Bytes bytes, uint8_t *out, uint32_t *out_len) {
+    *out_len = to_u32(bytes.size());
+    if (out != nullptr) {
+        put(out, bytes);
+    }
+}
+
+void wipe(void *secret, size_t size) noexcept {
+    explicit_bzero(secret, size);
+}
+
+}  // namespace za

@@ -1,0 +1,93 @@
+// The trace: one line per event, and the macros that carry a failure upward, one line per level.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include <zacert.h>
+
+#include "runtime/status.hpp"
+
+namespace za {
+
+// A message in up to three pieces, which are put together only when the line is written.
+struct TraceText {
+    // Implicit, so that a literal can stand where a message is wanted.
+    constexpr TraceText(const char *whole) : head(whole) {}
+    constexpr TraceText(std::string_view first, std::string_view second,
+                        std::string_view third = {})
+        : head(first), body(second), tail(third) {}
+
+    std::string_view head;
+    std::string_view body;
+    std::string_view tail;
+};
+
+// Appends one line to the log. It stands alone in its object file, so that a benchmark can link an
+// empty one in its place and a test one that remembers.
+void write_trace(const char *source, uint32_t line, const TraceText &text) noexcept;
+
+// The family of source files that a line names. Every .cpp file that traces defines one `trace`.
+class TraceSource {
+  public:
+    constexpr explicit TraceSource(const char *source) : source_(source) {}
+
+    void note(const TraceText &text, uint32_t line = __builtin_LINE()) const noexcept {
+        write_trace(source_, line, text);
+    }
+
+    [[gnu::cold, gnu::noinline]] Status fail(Status status, const TraceText &text,
+                                             uint32_t line = __builtin_LINE()) const noexcept {
+        write_trace(source_, line, text);
+        return status;
+    }
+
+    // The arguments that must not be NULL.
+    template <class... Pointers>
+    Status need(Pointers... pointers) const noexcept {
+        return ((pointers != nullptr) && ...) ? Status::ok
+                                              : fail(Status::general, "------>ZACERT_GeneralErr");
+    }
+
+    // The frame of an exported function called by the application: Begin, body, End on success.
+    template <class Body>
+    uint32_t exported(const Body &body, const char *name = __builtin_FUNCTION(),
+                      uint32_t line = __builtin_LINE()) const noexcept {
+        note({"======>", name, " Begin"}, line);
+        const Status status = body();
+        if (status == Status::ok) {
+            note({"======>", name, " End"}, line);
+        }
+        return static_cast<uint32_t>(status);
+    }
+
+  private:
+    const char *source_;
+};
+
+}  // namespace za
+
+// The body of an exported function failed: names that function, which must exist.
+#define ZA_TRY(exported_name, call)                                         \
+    do {                                                                    \
+        static_assert(sizeof(&::exported_name) != 0);                       \
+        if (const ::za::Status za_status = (call); za_status != ::za::Status::ok) { \
+            return trace.fail(za_status, "------>" #exported_name);         \
+        }                                                                   \
+    } while (false)
+
+// As ZA_TRY with a text of its own.
+#define ZA_TRY_AS(text, call)                                               \
+    do {                                                                    \
+        if (const ::za::Status za_status = (call); za_status != ::za::Status::ok) { \
+            return trace.fail(za_status, text);                             \
+        }                                                                   \
+    } while (false)
+
+// A helper of our own failed and has written its line already.
+#define ZA_PASS(call)                                                       \
+    do {                                                                    \
+        if (const ::za::Status za_status = (call); za_status != ::za::Status::ok) { \
+            return za_status;                                               \
+        }                                                                   \
+    } while (false)

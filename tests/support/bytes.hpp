@@ -1,0 +1,42 @@
+// Octets in tests: written as hex, compared as hex.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <zacert.h>
+
+namespace za::test {
+
+using Octets = std::vector<uint8_t>;
+
+// "30 03 02 01 05"; blanks are optional.
+Octets from_hex(std::string_view hex);
+std::string to_hex(std::span<const uint8_t> octets);
+std::string to_hex(const Anybuf *record);  // "(none)" for NULL
+
+Octets read_file(const std::string &path);
+
+// A record that borrows octets: `data` is not freed.
+Anybuf borrowed(const Octets &octets, uint32_t data_type = 0);
+
+// Runs a function of the two-call contract and returns its octets; `status` gets its result.
+template <class Function>
+Octets two_calls(Function &&function, uint32_t *status = nullptr) {
+    uint32_t len = 0;
+    uint32_t result = function(nullptr, &len);
+    Octets out(len);
+    if (result == 0) {
+        result = function(out.data(), &len);
+        out.resize(len);
+    }
+    if (status != nullptr) {
+        *status = result;
+    }
+    return out;
+}
+
+}  // namespace za::test
