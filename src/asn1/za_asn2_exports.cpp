@@ -41,9 +41,11 @@ Status read_content(const Anybuf *in, Anybuf **out, Status (*read)(const Element
     return hand_out_element(out, [&](Chain &record) { return to_record(content, record); });
 }
 
-Status read_time(const Anybuf *in, int32_t *time, Status (*read)(const Element &, int32_t &)) {
+Status read_time(const Anybuf *in, int32_t *time, Status (*read)(const Element &, TimeFields &)) {
     ZA_PASS(trace.need(in, time));
-    return read(Element(*in), *time);
+    TimeFields fields;
+    ZA_PASS(read(Element(*in), fields));
+    return to_seconds(fields, *time);
 }
 
 Status read_children(const Anybuf *in, Anybuf **chain,

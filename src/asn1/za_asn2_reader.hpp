@@ -3,6 +3,7 @@
 #pragma once
 
 #include "asn1/za_asn2_header.hpp"
+#include "asn1/za_asn2_time.hpp"
 #include "runtime/anybuf.hpp"
 
 namespace za::asn1 {
@@ -52,9 +53,9 @@ Status read_integer_array(const Element &in, Content &out);  // ZAsn1_ReadIntege
 Status read_integer(const Element &in, uint32_t &out);       // ZAsn1_ReadInteger
 Status read_boolean(const Element &in, uint8_t &out);        // ZAsn1_ReadBoolean
 Status read_object_id(const Element &in, Bytes &out);        // ZAsn1_ReadObjectId
-Status read_long_time(const Element &in, int32_t &out);      // ZAsn1_Low_ReadLongTime
-Status read_utc_time(const Element &in, int32_t &out);       // ZAsn1_ReadUtcTime
-Status read_generalized_time(const Element &in, int32_t &out);  // ZAsn1_ReadGeneralizedTime
+Status read_long_time(const Element &in, TimeFields &out);      // ZAsn1_Low_ReadLongTime
+Status read_utc_time(const Element &in, TimeFields &out);       // ZAsn1_ReadUtcTime
+Status read_generalized_time(const Element &in, TimeFields &out);  // ZAsn1_ReadGeneralizedTime
 
 Status read_sequence(const Element &in, Children &out);  // ZAsn1_ReadSequence
 Status read_set(const Element &in, Children &out);       // ZAsn1_ReadSet
