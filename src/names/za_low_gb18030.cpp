@@ -38,6 +38,11 @@ public:
     // Converts up to what cannot be converted, counts the octets written and tells whether that was
     // everything.
     bool run(Bytes in, std::span<uint8_t> out, size_t &num_written) {
+        // Without this iconv would meet NULL buffers, on which it ends the process.
+        if (in.empty()) {
+            num_written = 0;
+            return true;
+        }
         // iconv changes no input in spite of its declaration.
         char *from = const_cast<char *>(reinterpret_cast<const char *>(in.data()));
         char *to = reinterpret_cast<char *>(out.data());
