@@ -61,6 +61,12 @@ class TraceSource {
         return static_cast<uint32_t>(status);
     }
 
+    // The same for a function that writes lines of its own at its entry and exit.
+    template <class Body>
+    uint32_t unannounced(const Body &body) const noexcept {
+        return static_cast<uint32_t>(body());
+    }
+
   private:
     const char *source_;
 };
