@@ -62,11 +62,23 @@ Status read_tag(Bytes in, Tag &out);
 Status read_length(Bytes in, Length &out);
 
 // The header at the start of `in`, which may hold more than the element, or less.
-Status read_header(Bytes in, Header &out);
+Status read_any_header(Bytes in, Header &out);
+
+inline Status read_header(Bytes in, Header &out) {
+    // Nearly every header of a certificate has one identifier and one length octet.
+    if (in.size() >= 2 && (in[0] & 0x1F) != 0x1F && in[1] < 0x80) {
+        out = {tag_of(in[0]), 1, in[1], 1, uint64_t{2} + in[1]};
+        return Status::ok;
+    }
+    return read_any_header(in, out);
+}
 
 // The same for an element whose caller vouches for the octets its header announces: no octet behind
 // the header's own is touched.
 Status read_header(const uint8_t *first, Header &out);
+
+// ZAsn1_GetCertLength: the whole length of such an element.
+Status element_length(const uint8_t *first, uint32_t &out);
 
 // Length octets as the library writes them: a content of exactly 65535 takes three of them.
 constexpr uint32_t length_octets_for(uint32_t length) {

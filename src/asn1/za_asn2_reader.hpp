@@ -52,6 +52,7 @@ Status read_integer_array(const Element &in, Content &out);  // ZAsn1_ReadIntege
 Status read_integer(const Element &in, uint32_t &out);       // ZAsn1_ReadInteger
 Status read_boolean(const Element &in, uint8_t &out);        // ZAsn1_ReadBoolean
 Status read_object_id(const Element &in, Bytes &out);        // ZAsn1_ReadObjectId
+Status read_long_time(const Element &in, int32_t &out);      // ZAsn1_Low_ReadLongTime
 Status read_utc_time(const Element &in, int32_t &out);       // ZAsn1_ReadUtcTime
 Status read_generalized_time(const Element &in, int32_t &out);  // ZAsn1_ReadGeneralizedTime
 
@@ -73,8 +74,5 @@ Status read_implicit(const Element &in, Implicit &out);  // ZAsn1_ReadImplicit
 
 // Big-endian octets as a number; of more than four the low 32 bits.
 uint32_t number_of(Bytes octets);
-
-// The children as records, each with a copy of its octets.
-Status to_chain(Children children, Chain &out);
 
 }  // namespace za::asn1

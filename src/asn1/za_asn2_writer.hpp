@@ -1,8 +1,12 @@
-// Writers: from a value to one complete element in a record of its own. The names of the exported
-// writers stand behind each for use with ZA_TRY.
+// Writers: from a value to one complete element in a record of its own, which they append to `out`, so
+// that the fields of a structure are written one after the other into one chain. The names of the
+// exported writers stand behind each for use with ZA_TRY.
 #pragma once
 
+#include <array>
+
 #include "asn1/za_asn2_header.hpp"
+#include "asn1/za_asn2_reader.hpp"
 #include "runtime/anybuf.hpp"
 
 namespace za::asn1 {
@@ -15,6 +19,20 @@ struct Value {
     Value(Bytes bytes, uint32_t unused = 0) : octets(bytes), unused_bits(unused) {}
     explicit Value(const Anybuf &record)
         : octets(bytes_of(record)), unused_bits(record.unusedBits) {}
+};
+
+// The bufFlag of every record the codec makes.
+constexpr uint32_t kMadeByCodec = 2;
+
+// ZAsn1_Low_IntToChar: the shortest content of a non-negative INTEGER.
+class IntegerContent {
+  public:
+    explicit IntegerContent(uint32_t value);
+    Bytes octets() const { return Bytes(octets_).subspan(first_); }
+
+  private:
+    std::array<uint8_t, 5> octets_;
+    size_t first_ = 0;
 };
 
 // ZAsn1_Low_CreateAnyBuf: appends an empty record; `out` may hold others.
@@ -35,6 +53,7 @@ Status write_bmp_string(Bytes ucs2, Chain &out);              // ZAsn1_WriteBmpS
 Status write_utf8_string(Bytes utf8, Chain &out);             // ZAsn1_WriteUTF8String
 Status write_ia5_string(Bytes text, Chain &out);              // ZAsn1_WriteIa5String
 Status write_object_id(Bytes content, Chain &out);            // ZAsn1_WriteObjectId
+Status write_long_time(int32_t time, uint8_t identifier, Chain &out);  // ZAsn1_Low_WriteLongTime
 Status write_utc_time(int32_t time, Chain &out);              // ZAsn1_WriteUtcTime
 Status write_generalized_time(int32_t time, Chain &out);      // ZAsn1_WriteGeneralizedTime
 
@@ -46,5 +65,9 @@ Status write_set(const Anybuf *chain, Chain &out);       // ZAsn1_WriteSet
 
 Status write_explicit(const Anybuf &element, uint32_t number, Chain &out);  // ZAsn1_WriteExplicit
 Status write_implicit(const Anybuf &element, uint32_t number, Chain &out);  // ZAsn1_WriteImplicit
+
+// What readers hand out: content, or children, in records of their own.
+Status to_record(const Content &content, Chain &out);
+Status to_chain(Children children, Chain &out);
 
 }  // namespace za::asn1
