@@ -8,6 +8,7 @@
 #include <limits>
 #include <span>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include <zacert.h>
@@ -95,11 +96,22 @@ void wipe(void *secret, size_t size) noexcept;
 // A record on the stack that holds a secret and wipes it on every path.
 template <class Record>
 struct Wiped {
+    static_assert(std::is_trivially_copyable_v<Record>);
     Record value{};
     Wiped() = default;
     Wiped(const Wiped &) = delete;
     Wiped &operator=(const Wiped &) = delete;
     ~Wiped() { wipe(&value, sizeof value); }
+};
+
+// A block that holds a secret: its octets are wiped before it is freed.
+template <>
+struct Wiped<Octets> {
+    Octets value;
+    Wiped() = default;
+    Wiped(const Wiped &) = delete;
+    Wiped &operator=(const Wiped &) = delete;
+    ~Wiped() { wipe(value.data(), value.size()); }
 };
 
 }  // namespace za
