@@ -3,6 +3,7 @@ PREFIX ?= /usr/local
 export CMAKE_BUILD_PARALLEL_LEVEL ?= $(shell nproc)
 
 all: ## build the library and the tool
+	scripts/install-packages build
 	cmake --preset release -D CMAKE_INSTALL_PREFIX=$(PREFIX)
 	cmake --build build/release
 

@@ -1,9 +1,9 @@
 #include "asn1/za_asn2_time.hpp"
 
-#include <ctime>
-
 #include "asn1/za_asn2_cell.hpp"
 #include "runtime/trace.hpp"
+
+#include <ctime>
 
 namespace {
 

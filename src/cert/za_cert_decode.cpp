@@ -65,8 +65,8 @@ Status decode_validity(const Element &validity, Certificate &cert) {
     return decode_time(time, cert.not_after);
 }
 
-// How long parameters say what they are. Thirty octets say nothing: that gap has always been there, and
-// certificates were read by it.
+// How long parameters say what they are. Thirty octets say nothing: that gap has always been there,
+// and certificates were read by it.
 uint32_t key_kind(const keys::PublicKeyInfo &key) {
     const size_t length = key.parameters.size();
     if (length >= 31) {
