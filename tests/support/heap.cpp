@@ -1,5 +1,5 @@
 // Stands in the place of the library's own heap functions.
-#include "heap.hpp"
+#include "support/heap.hpp"
 
 #include <zacert.h>
 
