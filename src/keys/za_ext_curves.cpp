@@ -80,11 +80,11 @@ struct CurveRow {
 
 // The first row of a curve has the identifier that is written for it.
 constexpr CurveRow kCurves[] = {
-    {oid::kPrime256v1, kP256},          {oid::kSm2Curve, kSm2},
-    {oid::kSm2CurveShort, kSm2},        {oid::kNationalCurve1, kUnknown},
-    {oid::kNationalCurve2, kUnknown},   {oid::kNationalCurve3, kUnknown},
-    {oid::kNationalCurve4, kUnknown},   {oid::kNationalCurve5, kUnknown},
-    {oid::kNationalCurve6, kUnknown},   {oid::kNationalCurve1000, kUnknown},
+    {oid::kPrime256v1, kP256},        {oid::kSm2Curve, kSm2},
+    {oid::kSm2CurveShort, kSm2},      {oid::kNationalCurve1, kUnknown},
+    {oid::kNationalCurve2, kUnknown}, {oid::kNationalCurve3, kUnknown},
+    {oid::kNationalCurve4, kUnknown}, {oid::kNationalCurve5, kUnknown},
+    {oid::kNationalCurve6, kUnknown}, {oid::kNationalCurve1000, kUnknown},
 };
 
 bool same_domain(const ZACERT_EccCurve &a, const ZACERT_EccCurve &b) {
@@ -168,9 +168,8 @@ bool read_explicit_curve(const asn1::Element &parameters, ZACERT_EccCurve &out) 
     ZACERT_EccCurve curve = kUnknown;
     if (asn1::read_sequence(parameters, fields) != Status::ok ||
         !take(fields, asn1::kInteger, version) || !take_prime(fields, curve.p) ||
-        !take_coefficients(fields, curve.a, curve.b) ||
-        !take(fields, asn1::kOctetString, base) || !read_point(base, curve.gx, curve.gy) ||
-        !take_number(fields, asn1::kInteger, curve.n)) {
+        !take_coefficients(fields, curve.a, curve.b) || !take(fields, asn1::kOctetString, base) ||
+        !read_point(base, curve.gx, curve.gy) || !take_number(fields, asn1::kInteger, curve.n)) {
         return false;
     }
     out = curve;

@@ -18,7 +18,7 @@ namespace {
 
 static_assert(sizeof(ZACERT_EccPriKey) == 292);
 
-constexpr const char *kTextD = "----->ZACERT_DecodeEccPriKey: \xB2\xCE\xCA\xFD" "d";
+constexpr const char *kTextD = "----->ZACERT_DecodeEccPriKey: \262\316\312\375d";
 
 constexpr uint32_t kContext1 = asn1::kContext0 + 1;
 

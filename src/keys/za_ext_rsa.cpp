@@ -38,9 +38,8 @@ auto public_fields(Key &key) {
 template <class Key>
 auto private_fields(Key &key) {
     using Octet = std::remove_reference_t<decltype(*key.modulus)>;
-    return Fields<Octet, 8>{key.modulus, key.publicExponent, key.exponent,
-                            key.prime1,  key.prime2,         key.primeExponent1,
-                            key.primeExponent2, key.coefficient};
+    return Fields<Octet, 8>{key.modulus, key.publicExponent, key.exponent,       key.prime1,
+                            key.prime2,  key.primeExponent1, key.primeExponent2, key.coefficient};
 }
 
 // The line of a missing record is written with the code of missing memory: callers know it so.

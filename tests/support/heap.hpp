@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <span>
 
 namespace za::test {
 
@@ -36,6 +37,17 @@ class NoLeak {
 
   private:
     size_t before_;
+};
+
+// Looks into every block that is freed in its scope for a secret that should have been wiped.
+class FreedSecret {
+  public:
+    explicit FreedSecret(std::span<const uint8_t> secret);
+    ~FreedSecret();
+    FreedSecret(const FreedSecret &) = delete;
+    FreedSecret &operator=(const FreedSecret &) = delete;
+
+    bool found() const;
 };
 
 }  // namespace za::test
