@@ -47,7 +47,7 @@ inline std::vector<Octets> elements_of(const Octets &octets) {
         const uint8_t first = octets[at + 1];
         const size_t size = first < 0x80    ? 2u + first
                             : first == 0x81 ? 3u + octets[at + 2]
-                                            : 4u + (octets[at + 2] << 8 | octets[at + 3]);
+                                            : 4u + octets[at + 2] * 256u + octets[at + 3];
         elements.emplace_back(octets.begin() + long(at), octets.begin() + long(at + size));
         at += size;
     }

@@ -122,6 +122,7 @@ TEST(EccPrivateKey, Sec1NumbersStandAtTheEndAndOddPointsStayOut) {
     const ZACERT_EccPriKey short_d = decoded(from_hex("30 07 02 01 01 04 02 AB CD"));
     EXPECT_EQ(to_hex(std::span(short_d.d).last(3)), "00 AB CD");
     EXPECT_EQ(short_d.d[0], 0);
+    EXPECT_EQ(short_d.pub.curve.len1, 256) << "a curve that is not named";
     const Octets compressed = element(0xA1, element(3, join({{0x00, 0x02}, Octets(32, 0x11)})));
     const ZACERT_EccPriKey key =
         decoded(sequence({kVersion, from_hex("04 01 05"), element(0xA0, kP256), compressed}));

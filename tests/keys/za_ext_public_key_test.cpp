@@ -143,7 +143,12 @@ TEST(PublicKey, ACurveAsTheAlgorithmItself) {
     EXPECT_EQ(key->ecc.curve.p[3], 0xFE);
     Key other;
     ASSERT_EQ(other.decode(ec_key(sm2, from_hex("06 03 2B 65 70"))), 0u);
-    EXPECT_EQ(other->hasEcc, 0u) << "65 octets that are no point";
+    EXPECT_EQ(other->hasEcc, 0u) << "another algorithm";
+    Octets hybrid = ec_key(sm2);
+    hybrid[hybrid.size() - 65] = 6;
+    Key third;
+    ASSERT_EQ(third.decode(hybrid), 0u);
+    EXPECT_EQ(third->hasEcc, 0u) << "a point in the hybrid form";
 }
 
 TEST(PublicKey, RefusedInput) {

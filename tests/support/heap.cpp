@@ -31,9 +31,10 @@ void look_for_secret(const void *block) {
     if (block == nullptr || sought.empty()) {
         return;
     }
-    const std::span octets(static_cast<const uint8_t *>(block),
-                           malloc_usable_size(const_cast<void *>(block)));
-    sought_found = sought_found || !std::ranges::search(octets, sought).empty();
+    const auto *first = static_cast<const uint8_t *>(block);
+    const uint8_t *last = first + malloc_usable_size(const_cast<void *>(block));
+    sought_found =
+        sought_found || std::search(first, last, sought.begin(), sought.end()) != last;
 }
 
 // Far above any run here: a call that never ends its allocations must not hang the test.
