@@ -54,7 +54,7 @@ constexpr uint32_t to_u32(uint64_t value) {
 
 // A block of the library's heap. Allocation failures leave it as it was.
 class Octets {
-public:
+  public:
     Octets() = default;
     Octets(Octets &&other) noexcept { swap(other); }
     Octets &operator=(Octets &&other) noexcept {
@@ -82,7 +82,7 @@ public:
         std::swap(size_, other.size_);
     }
 
-private:
+  private:
     uint8_t *data_ = nullptr;
     size_t size_ = 0;
 };
