@@ -157,15 +157,11 @@ bool boolean(const Anybuf &element) {
 }
 
 uint64_t number(View integer_content) {
-    const Integer integer(integer_content);
-    if (integer.negative || integer.bits() > 64) {
+    const std::optional<uint64_t> value = Integer(integer_content).small();
+    if (!value) {
         throw LibraryError(ZACERT_LengthErr);
     }
-    uint64_t value = 0;
-    for (const uint8_t octet : integer.magnitude) {
-        value = value << 8 | octet;
-    }
-    return value;
+    return *value;
 }
 
 Octets bits(View bit_string_content) {

@@ -123,6 +123,10 @@ std::vector<Candidate> certificates_in(Octets file) {
     if (!blocks.empty()) {
         return certificates_in_pem(std::move(blocks));
     }
+    if (file.front() != ZA_DER_ID_SEQUENCE) {
+        throw Failure(std::string("expected a certificate in DER or PEM: ") +
+                      LibraryError(ZACERT_TagErr).what());
+    }
     return {std::move(der)};
 }
 

@@ -53,4 +53,15 @@ size_t Integer::bits() const {
     return magnitude.size() * 8 - static_cast<size_t>(std::countl_zero(magnitude.front()));
 }
 
+std::optional<uint64_t> Integer::small() const {
+    if (negative || bits() > 64) {
+        return std::nullopt;
+    }
+    uint64_t value = 0;
+    for (const uint8_t octet : magnitude) {
+        value = value << 8 | octet;
+    }
+    return value;
+}
+
 }  // namespace tool

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -29,6 +30,9 @@ struct Integer {
 
     std::string hex(std::string_view separator = {}) const;
     size_t bits() const;
+
+    // Of a value from 0 to 2^64 - 1; nothing for others.
+    std::optional<uint64_t> small() const;
 };
 
 }  // namespace tool

@@ -7,6 +7,7 @@
 #include "table.hpp"
 #include "text.hpp"
 #include "utf8.hpp"
+#include "wording.hpp"
 
 #include <iostream>
 
@@ -78,8 +79,7 @@ private:
 
     void report(const std::string &path, const std::string &problem) {
         ++num_failed_;
-        const std::string name = path == "-" ? "standard input" : path;
-        std::cerr << "zacert: " << printable(name) << ": " << printable(problem) << '\n';
+        std::cerr << "zacert: " << file_label(path) << ": " << printable(problem) << '\n';
     }
 
     Format format_;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 
 namespace tool {
 
@@ -12,10 +13,11 @@ namespace {
 
 struct Column {
     std::string_view title;
-    size_t widest;
+    size_t width;  // what it gets at most while others need theirs
 };
 
-// With two blanks between columns at most 160.
+enum : size_t { kSubject, kIssuer, kSerial, kNotBefore, kNotAfter, kKey, kExtensions, kDecoded };
+
 constexpr auto kColumns = std::to_array<Column>({{"SUBJECT", 28},
                                                  {"ISSUER", 18},
                                                  {"SERIAL", 40},
@@ -24,15 +26,32 @@ constexpr auto kColumns = std::to_array<Column>({{"SUBJECT", 28},
                                                  {"KEY", 10},
                                                  {"EXTENSIONS", 23},
                                                  {"DECODED", 7}});
+constexpr size_t kPageWidth = 160;
 constexpr std::string_view kGap = "  ";
 
-static_assert([] {
-    size_t width = (kColumns.size() - 1) * kGap.size();
-    for (const Column &column : kColumns) {
-        width += column.widest;
+using Row = std::vector<std::string>;
+using Widths = std::array<size_t, kColumns.size()>;
+
+constexpr size_t line_width(const Widths &widths) {
+    return std::accumulate(widths.begin(), widths.end(), (widths.size() - 1) * kGap.size());
+}
+
+// What columns with short cells leave goes to those that have more to say.
+Widths column_widths(const std::vector<Row> &rows) {
+    Widths needed{};
+    Widths widths{};
+    for (size_t i = 0; i < kColumns.size(); ++i) {
+        needed[i] = columns(kColumns[i].title);
+        for (const Row &row : rows) {
+            needed[i] = std::max(needed[i], columns(row[i]));
+        }
+        widths[i] = std::min(needed[i], kColumns[i].width);
     }
-    return width;
-}() <= 160);
+    for (const size_t i : {kExtensions, kSubject, kIssuer, kKey}) {
+        widths[i] += std::min(needed[i] - widths[i], kPageWidth - line_width(widths));
+    }
+    return widths;
+}
 
 size_t num_decoded(const Certificate &certificate) {
     return static_cast<size_t>(
@@ -49,8 +68,7 @@ std::string codes(const std::vector<Extension> &extensions) {
     return text.empty() ? "-" : text;
 }
 
-void print_row(std::ostream &out, const std::vector<std::string> &cells,
-               const std::vector<size_t> &widths) {
+void print_row(std::ostream &out, const Row &cells, const Widths &widths) {
     std::string line;
     for (size_t i = 0; i < cells.size(); ++i) {
         line += fitted(cells[i], widths[i]).append(kGap);
@@ -73,18 +91,13 @@ void Table::add(const Certificate &certificate) {
 }
 
 void Table::print(std::ostream &out, size_t num_failed) const {
-    std::vector<std::string> titles;
-    std::vector<size_t> widths;
-    for (size_t i = 0; i < kColumns.size(); ++i) {
-        titles.emplace_back(kColumns[i].title);
-        size_t width = columns(kColumns[i].title);
-        for (const auto &row : rows_) {
-            width = std::max(width, std::min(columns(row[i]), kColumns[i].widest));
-        }
-        widths.push_back(width);
+    const Widths widths = column_widths(rows_);
+    Row titles;
+    for (const Column &column : kColumns) {
+        titles.emplace_back(column.title);
     }
     print_row(out, titles, widths);
-    for (const auto &row : rows_) {
+    for (const Row &row : rows_) {
         print_row(out, row, widths);
     }
     out << rows_.size() + num_failed << " certificates, " << rows_.size() << " decoded; "

@@ -54,12 +54,17 @@ std::string key_summary(const PublicKey &key) {
     return text;
 }
 
+std::string decimal_or_hex(const Integer &integer) {
+    const std::optional<uint64_t> value = integer.small();
+    return value ? std::to_string(*value) : integer.hex(":");
+}
+
 void write_key(const PublicKey &key, Page &page) {
     page.field("Public key", key_summary(key));
     if (key.modulus && key.exponent) {
         page.line(2, "Modulus");
         page.block(3, hex_lines(key.modulus->magnitude));
-        page.line(2, "Exponent " + key.exponent->hex(":"));
+        page.line(2, "Exponent " + decimal_or_hex(*key.exponent));
         return;
     }
     page.block(2, hex_lines(key.octets));
@@ -85,7 +90,7 @@ void write_signature(const Certificate &certificate, Page &page) {
 std::string certificate_text(const Certificate &certificate) {
     Page page;
     page.line(0, "Certificate " + std::to_string(certificate.index) + " of " +
-                     printable(certificate.file));
+                     file_label(certificate.file));
     page.field("Version", std::to_string(certificate.version));
     page.field("Serial number", certificate.serial.hex(":"));
     page.field("Signature algorithm", label(certificate.signature_algorithm));

@@ -31,6 +31,10 @@ std::string escaped(const Text &value) {
 
 }  // namespace
 
+std::string file_label(const std::string &path) {
+    return path == "-" ? "standard input" : printable(path);
+}
+
 std::string date(std::chrono::sys_seconds time) {
     const std::chrono::year_month_day day{std::chrono::floor<std::chrono::days>(time)};
     std::array<char, 32> text{};
