@@ -41,9 +41,11 @@ Status read_content(const Anybuf *in, Anybuf **out, Status (*read)(const Element
     return hand_out_element(out, [&](Chain &record) { return to_record(content, record); });
 }
 
-Status read_time(const Anybuf *in, int32_t *time, Status (*read)(const Element &, int32_t &)) {
+Status read_time(const Anybuf *in, int32_t *time, Status (*read)(const Element &, TimeFields &)) {
     ZA_PASS(trace.need(in, time));
-    return read(Element(*in), *time);
+    TimeFields fields;
+    ZA_PASS(read(Element(*in), fields));
+    return to_seconds(fields, *time);
 }
 
 Status read_children(const Anybuf *in, Anybuf **chain,
@@ -66,7 +68,8 @@ uint32_t ZAsn1_Low_WriteTagAndLength(const Anybuf *src, uint32_t identifier, Any
         ZA_PASS(trace.need(src, out, writePos));
         Chain element;
         uint8_t *place = nullptr;
-        ZA_PASS(write_tag_and_length(Value(*src), static_cast<uint8_t>(identifier), element, place));
+        ZA_PASS(
+            write_tag_and_length(Value(*src), static_cast<uint8_t>(identifier), element, place));
         *writePos = place;
         *out = element.release();
         return Status::ok;
@@ -188,8 +191,8 @@ uint32_t ZAsn1_ReadBitString(const Anybuf *in, Anybuf **out) {
 uint32_t ZAsn1_WriteBoolean(const uint8_t *value, Anybuf **out) {
     return trace.exported([&] {
         ZA_PASS(trace.need(value));
-        return hand_out_element(
-            out, [&](Chain &element) { return write_boolean(*value > 0, element); });
+        return hand_out_element(out,
+                                [&](Chain &element) { return write_boolean(*value > 0, element); });
     });
 }
 

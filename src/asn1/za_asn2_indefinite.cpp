@@ -97,8 +97,8 @@ Status rewrite_children(const BerElement &element, uint32_t depth, Sink &sink, s
     return close_children(element, rest, used);
 }
 
-// The octets of an OCTET STRING that came in pieces; `used` as above. `folds` turns false, and nothing
-// else counts, when a piece is no OCTET STRING.
+// The octets of an OCTET STRING that came in pieces; `used` as above. `folds` turns false, and
+// nothing else counts, when a piece is no OCTET STRING.
 Status fold_octet_string(const BerElement &element, uint32_t depth, Sink &sink, size_t &used,
                          bool &folds) {
     if (depth > kDeepest) {

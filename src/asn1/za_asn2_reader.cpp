@@ -1,6 +1,5 @@
 #include "asn1/za_asn2_reader.hpp"
 
-#include "asn1/za_asn2_time.hpp"
 #include "runtime/trace.hpp"
 
 namespace {
@@ -128,7 +127,7 @@ Status read_object_id(const Element &in, Bytes &out) {
     return Status::ok;
 }
 
-Status read_long_time(const Element &in, int32_t &out) {
+Status read_long_time(const Element &in, TimeFields &out) {
     Header header;
     ZA_PASS(read_header(in.octets, header));
     if (header.total > in.octets.size()) {
@@ -137,7 +136,7 @@ Status read_long_time(const Element &in, int32_t &out) {
     return time_from_content(in.octets.subspan(header.size(), header.length), out);
 }
 
-Status read_utc_time(const Element &in, int32_t &out) {
+Status read_utc_time(const Element &in, TimeFields &out) {
     if (in.type != kUtcTime) {
         return trace.fail(Status::tag, "------>ZACERT_TagErr");
     }
@@ -147,7 +146,7 @@ Status read_utc_time(const Element &in, int32_t &out) {
     return Status::ok;
 }
 
-Status read_generalized_time(const Element &in, int32_t &out) {
+Status read_generalized_time(const Element &in, TimeFields &out) {
     if (in.type != kGeneralizedTime) {
         return trace.fail(Status::tag, "------>ZACERT_TagErr");
     }

@@ -1,9 +1,9 @@
 #include "asn1/za_asn2_time.hpp"
 
-#include <ctime>
-
 #include "asn1/za_asn2_cell.hpp"
 #include "runtime/trace.hpp"
+
+#include <ctime>
 
 namespace {
 
@@ -25,16 +25,30 @@ void put_two_digits(int value, char *text) {
     text[1] = static_cast<char>('0' + value % 10);
 }
 
-// Seconds of a local broken-down time, of which the low 32 bits are kept: times from 2038-01-19 on
-// are read as unsigned.
-Status seconds_of(int year, const char *month_to_second, int32_t &out) {
+// The ten digits from month to second.
+TimeFields fields_of(int year, const char *text) {
+    return {year,
+            two_digits(text),
+            two_digits(text + 2),
+            two_digits(text + 4),
+            two_digits(text + 6),
+            two_digits(text + 8)};
+}
+
+bool all_digits(Bytes text) {
+    return std::all_of(text.begin(), text.end(), [](uint8_t c) { return c >= '0' && c <= '9'; });
+}
+
+}  // namespace
+
+Status to_seconds(const TimeFields &fields, int32_t &out) {
     std::tm local{};
-    local.tm_year = year - 1900;
-    local.tm_mon = two_digits(month_to_second) - 1;
-    local.tm_mday = two_digits(month_to_second + 2);
-    local.tm_hour = two_digits(month_to_second + 4);
-    local.tm_min = two_digits(month_to_second + 6);
-    local.tm_sec = two_digits(month_to_second + 8);
+    local.tm_year = fields.year - 1900;
+    local.tm_mon = fields.month - 1;
+    local.tm_mday = fields.day;
+    local.tm_hour = fields.hour;
+    local.tm_min = fields.minute;
+    local.tm_sec = fields.second;
     // Whether daylight saving time holds is for the zone to say.
     local.tm_isdst = -1;
     // A result of -1 is also a time; a week day that stays untouched is not.
@@ -46,12 +60,6 @@ Status seconds_of(int year, const char *month_to_second, int32_t &out) {
     out = static_cast<int32_t>(static_cast<uint32_t>(seconds));
     return Status::ok;
 }
-
-bool all_digits(Bytes text) {
-    return std::all_of(text.begin(), text.end(), [](uint8_t c) { return c >= '0' && c <= '9'; });
-}
-
-}  // namespace
 
 Status time_to_text(int32_t time, TimeText &out) {
     if (time < 0) {
@@ -74,16 +82,17 @@ Status time_to_text(int32_t time, TimeText &out) {
     return Status::ok;
 }
 
-Status time_from_text(const TimeText &text, int32_t &out) {
+Status time_from_text(const TimeText &text, TimeFields &out) {
     const int two_digit_year = two_digits(&text[0]);
     if (text[12] != 'Z' && text[12] != '\0') {
         return trace.fail(Status::invalid_time_end, "------>ZACERT_InvalidTimeEndErr");
     }
     const int year = two_digit_year + (two_digit_year < kPivotYear ? 2000 : 1900);
-    return seconds_of(year, &text[2], out);
+    out = fields_of(year, &text[2]);
+    return Status::ok;
 }
 
-Status time_from_content(Bytes content, int32_t &out) {
+Status time_from_content(Bytes content, TimeFields &out) {
     if (content.size() < kTimeText - 1) {
         return trace.fail(Status::invalid_time_end, "------>ZACERT_InvalidTimeEndErr");
     }
@@ -98,7 +107,7 @@ bool is_long_time(Bytes content) {
            all_digits(content.first(kLongTimeText - 1));
 }
 
-Status time_from_long_text(Bytes content, int32_t &out) {
+Status time_from_long_text(Bytes content, TimeFields &out) {
     constexpr int kFirstYear = 1970;
     constexpr int kLastYear = 2106;
     const char *text = text_of(content).data();
@@ -106,7 +115,8 @@ Status time_from_long_text(Bytes content, int32_t &out) {
     if (year < kFirstYear || year > kLastYear) {
         return trace.fail(Status::invalid_time_end, "------>ZACERT_InvalidTimeEndErr");
     }
-    return seconds_of(year, text + 4, out);
+    out = fields_of(year, text + 4);
+    return Status::ok;
 }
 
 }  // namespace za::asn1
@@ -155,6 +165,8 @@ uint32_t ZAsn1_Low_CtoITime(const char *text, uint32_t, int32_t *time) {
         ZA_PASS(trace.need(text, time));
         TimeText copy;
         std::copy_n(text, copy.size(), copy.begin());
-        return time_from_text(copy, *time);
+        TimeFields fields;
+        ZA_PASS(time_from_text(copy, fields));
+        return to_seconds(fields, *time);
     });
 }

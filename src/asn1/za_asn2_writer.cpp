@@ -59,11 +59,8 @@ constexpr uint8_t context_tag(uint8_t base, uint32_t number) {
 }  // namespace
 
 IntegerContent::IntegerContent(uint32_t value) {
-    octets_ = {0,
-               static_cast<uint8_t>(value >> 24),
-               static_cast<uint8_t>(value >> 16),
-               static_cast<uint8_t>(value >> 8),
-               static_cast<uint8_t>(value)};
+    octets_ = {0, static_cast<uint8_t>(value >> 24), static_cast<uint8_t>(value >> 16),
+               static_cast<uint8_t>(value >> 8), static_cast<uint8_t>(value)};
     // Leading zeros go as long as the next octet keeps the number positive.
     while (first_ + 1 < octets_.size() && octets_[first_] == 0 && octets_[first_ + 1] < 0x80) {
         ++first_;

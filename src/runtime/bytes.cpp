@@ -1,8 +1,8 @@
 #include "runtime/bytes.hpp"
 
-#include <string.h>
-
 #include "runtime/trace.hpp"
+
+#include <string.h>
 
 namespace {
 

@@ -1,6 +1,10 @@
 // Octets: views of them, blocks that own them, and the one place where a length is narrowed.
 #pragma once
 
+#include <zacert.h>
+
+#include "runtime/status.hpp"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -8,11 +12,8 @@
 #include <limits>
 #include <span>
 #include <string_view>
+#include <type_traits>
 #include <utility>
-
-#include <zacert.h>
-
-#include "runtime/status.hpp"
 
 namespace za {
 
@@ -53,7 +54,7 @@ constexpr uint32_t to_u32(uint64_t value) {
 
 // A block of the library's heap. Allocation failures leave it as it was.
 class Octets {
-  public:
+public:
     Octets() = default;
     Octets(Octets &&other) noexcept { swap(other); }
     Octets &operator=(Octets &&other) noexcept {
@@ -81,7 +82,7 @@ class Octets {
         std::swap(size_, other.size_);
     }
 
-  private:
+private:
     uint8_t *data_ = nullptr;
     size_t size_ = 0;
 };
@@ -95,11 +96,22 @@ void wipe(void *secret, size_t size) noexcept;
 // A record on the stack that holds a secret and wipes it on every path.
 template <class Record>
 struct Wiped {
+    static_assert(std::is_trivially_copyable_v<Record>);
     Record value{};
     Wiped() = default;
     Wiped(const Wiped &) = delete;
     Wiped &operator=(const Wiped &) = delete;
     ~Wiped() { wipe(&value, sizeof value); }
+};
+
+// A block that holds a secret: its octets are wiped before it is freed.
+template <>
+struct Wiped<Octets> {
+    Octets value;
+    Wiped() = default;
+    Wiped(const Wiped &) = delete;
+    Wiped &operator=(const Wiped &) = delete;
+    ~Wiped() { wipe(value.data(), value.size()); }
 };
 
 }  // namespace za

@@ -1,0 +1,11 @@
+// The attributes of a certificate by number.
+#pragma once
+
+#include "cert/za_cert_context.hpp"
+#include "runtime/attribute_table.hpp"
+
+namespace za::cert {
+
+const AttributeTable<Certificate> &attributes();
+
+}  // namespace za::cert

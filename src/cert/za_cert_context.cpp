@@ -1,0 +1,41 @@
+#include "cert/za_cert_context.hpp"
+
+#include "runtime/trace.hpp"
+
+namespace {
+
+constexpr za::TraceSource trace{".\\src\\za_cert"};
+
+}  // namespace
+
+namespace za::cert {
+
+void Time::set(int32_t utc) {
+    *this = {};
+    is_utc_ = true;
+    seconds_ = utc;
+}
+
+void Time::decoded(const asn1::TimeFields &fields, bool is_utc) {
+    is_utc_ = is_utc;
+    is_decoded_ = true;
+    fields_ = fields;
+}
+
+Status Time::utc(int32_t &out) const {
+    if (is_utc_ && is_decoded_) {
+        return asn1::to_seconds(fields_, out);
+    }
+    out = seconds_;
+    return Status::ok;
+}
+
+Status Certificate::keep(Bytes octets, Bytes &out) {
+    Octets copy;
+    ZA_PASS(copy.assign(octets));
+    ZA_PASS(kept.append(trace, std::move(copy)));
+    out = kept.back().bytes();
+    return Status::ok;
+}
+
+}  // namespace za::cert

@@ -1,0 +1,300 @@
+#include "cert/za_cert_decode.hpp"
+
+#include "asn1/za_asn2_writer.hpp"
+#include "keys/za_ext_ecc_key.hpp"
+#include "keys/za_ext_public_key.hpp"
+#include "runtime/trace.hpp"
+
+namespace {
+
+constexpr za::TraceSource trace{".\\src\\za_cert"};
+
+}  // namespace
+
+namespace za::cert {
+namespace {
+
+using asn1::Children;
+using asn1::Element;
+
+// The next field of a structure that must have one.
+Status take(Children &fields, Element &out) {
+    if (!fields.next(out)) {
+        return trace.fail(Status::certificate_not_end, "------>ZACERT_CertNotEndErr");
+    }
+    return Status::ok;
+}
+
+// AlgorithmIdentifier ::= SEQUENCE { algorithm OBJECT IDENTIFIER, parameters ANY OPTIONAL }
+Status decode_algorithm(Children fields, Field &out) {
+    Element algorithm;
+    Bytes oid;
+    ZA_PASS(take(fields, algorithm));
+    ZA_TRY(ZAsn1_ReadObjectId, asn1::read_object_id(algorithm, oid));
+    out.refer(oid);
+    return Status::ok;
+}
+
+Status decode_name(const Element &name, Name &out) {
+    out.der.refer(name.octets);
+    ZA_TRY(ZI_DecodeIssuerSubject, names::decode_issuer_subject(name, out.entries));
+    return Status::ok;
+}
+
+// Time ::= CHOICE { utcTime UTCTime, generalTime GeneralizedTime }
+Status decode_time(const Element &time, Time &out) {
+    asn1::TimeFields fields;
+    if (time.type == asn1::kGeneralizedTime &&
+        asn1::read_generalized_time(time, fields) == Status::ok) {
+        out.decoded(fields, false);
+        return Status::ok;
+    }
+    ZA_TRY(ZAsn1_ReadUtcTime, asn1::read_utc_time(time, fields));
+    out.decoded(fields, true);
+    return Status::ok;
+}
+
+// Validity ::= SEQUENCE { notBefore Time, notAfter Time }
+Status decode_validity(const Element &validity, Certificate &cert) {
+    Children times;
+    Element time;
+    ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(validity, times));
+    ZA_PASS(take(times, time));
+    ZA_PASS(decode_time(time, cert.not_before));
+    ZA_PASS(take(times, time));
+    return decode_time(time, cert.not_after);
+}
+
+// How long parameters say what they are. Thirty octets say nothing: that gap has always been there,
+// and certificates were read by it.
+uint32_t key_kind(const keys::PublicKeyInfo &key) {
+    const size_t length = key.parameters.size();
+    if (length >= 31) {
+        return kExplicitCurve;
+    }
+    if (length >= 6 && length <= 29) {
+        return kNamedCurve;
+    }
+    return key.kind;
+}
+
+Status decode_public_key(const Element &info, PublicKey &out) {
+    keys::PublicKeyInfo key;
+    ZA_TRY(ZI_DecodePubKey, keys::decode_public_key_info(info, key));
+    out.algorithm.refer(key.algorithm);
+    out.parameters.refer(key.parameters.empty() ? Bytes{} : key.parameters);
+    out.raw_bits.refer(key.raw_bits);
+    out.kind = key_kind(key);
+    if (!key.has_ecc) {
+        out.bits.refer(key.raw_bits);
+        return Status::ok;
+    }
+    Octets record;
+    ZA_TRY(ZACERT_EncodeEccPubKey, keys::encode_ecc_public_key(key.ecc, record));
+    out.bits.take(std::move(record));
+    return Status::ok;
+}
+
+// version [0] EXPLICIT INTEGER DEFAULT v1, serialNumber INTEGER
+Status decode_version_and_serial(Children &fields, Certificate &cert) {
+    Element field;
+    Element inner;
+    uint32_t tag = 0;
+    ZA_PASS(take(fields, field));
+    ZA_TRY(ZAsn1_ReadExplicit, asn1::read_explicit(field, inner, tag));
+    cert.has_version = tag == asn1::kContext0;
+    cert.version = 0;
+    if (cert.has_version) {
+        ZA_TRY(ZAsn1_ReadInteger, asn1::read_integer(inner, cert.version));
+        ZA_PASS(take(fields, field));
+    }
+    asn1::Content serial;
+    ZA_TRY(ZAsn1_ReadIntegerArray, asn1::read_integer_array(field, serial));
+    cert.serial.refer(serial.octets);
+    return Status::ok;
+}
+
+// signatureAlgorithm AlgorithmIdentifier, signatureValue BIT STRING; each may be missing.
+Status decode_signature(Children fields, Certificate &cert) {
+    Element field;
+    if (!fields.next(field)) {
+        return Status::ok;
+    }
+    Children algorithm;
+    // The text names another function; readers of logs know it so.
+    ZA_TRY(ZI_Cert_DecodeTBS, asn1::read_sequence(field, algorithm));
+    ZA_PASS(decode_algorithm(algorithm, cert.outer_algorithm));
+    if (!fields.next(field)) {
+        return Status::ok;
+    }
+    asn1::Content signature;
+    ZA_TRY(ZAsn1_ReadBitString, asn1::read_bit_string(field, signature));
+    cert.signature.refer(signature.octets);
+    return Status::ok;
+}
+
+}  // namespace
+
+// Certificate ::= SEQUENCE { tbsCertificate, signatureAlgorithm, signatureValue }
+Status decode_certificate(Certificate &cert, Bytes in) {
+    if (in.data() == nullptr) {
+        return trace.fail(Status::general, "------>ZACERT_GeneralErr");
+    }
+    asn1::Header header;
+    ZA_TRY(ZAsn1_GetCertLength, asn1::read_header(in, header));
+    if (header.total > in.size()) {
+        return trace.fail(Status::length_not_equal, "------>ZACERT_LengthNotEqualErr");
+    }
+    Bytes whole;
+    ZA_PASS(cert.keep(in.first(header.total), whole));
+    cert.whole.refer(whole);
+
+    Children fields;
+    Element tbs;
+    ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(Element(whole), fields));
+    if (!fields.next(tbs)) {
+        return Status::ok;
+    }
+    ZA_TRY(ZI_Cert_DecodeTBS, decode_tbs(cert, tbs));
+    return decode_signature(fields, cert);
+}
+
+// TBSCertificate ::= SEQUENCE { version, serialNumber, signature, issuer, validity, subject,
+//     subjectPublicKeyInfo, extensions [3] EXPLICIT OPTIONAL }
+Status decode_tbs(Certificate &cert, const Element &tbs) {
+    cert.tbs.refer(tbs.octets);
+    cert.has_version = false;
+    Children fields;
+    ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(tbs, fields));
+    if (fields.empty()) {
+        return Status::ok;
+    }
+    ZA_PASS(decode_version_and_serial(fields, cert));
+
+    Element field;
+    Children algorithm;
+    ZA_PASS(take(fields, field));
+    ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(field, algorithm));
+    ZA_PASS(decode_algorithm(algorithm, cert.inner_algorithm));
+    ZA_PASS(take(fields, field));
+    ZA_PASS(decode_name(field, cert.issuer));
+    ZA_PASS(take(fields, field));
+    ZA_PASS(decode_validity(field, cert));
+    ZA_PASS(take(fields, field));
+    ZA_PASS(decode_name(field, cert.subject));
+    ZA_PASS(take(fields, field));
+    ZA_PASS(decode_public_key(field, cert.key));
+
+    // Unique identifiers are not known here: what follows the key is taken for the extensions.
+    if (fields.next(field)) {
+        cert.extensions_present = true;
+        ZA_TRY(ZI_Cert_DecodeExtensions, decode_extensions(cert, field));
+    }
+    trace.note("======>ZI_Cert_DecodeTBS");
+    return Status::ok;
+}
+
+}  // namespace za::cert
+
+using za::Bytes;
+using za::Status;
+using za::asn1::Children;
+using za::asn1::Element;
+using za::cert::Certificate;
+
+namespace {
+
+// Runs a body on a copy of the caller's element that lives as long as the context.
+template <class Decode>
+Status decode_kept(void *ctx, const Anybuf *element, const Decode &decode) {
+    ZA_PASS(trace.need(ctx, element));
+    auto &cert = *static_cast<Certificate *>(ctx);
+    Bytes kept;
+    ZA_PASS(cert.keep(za::bytes_of(*element), kept));
+    return decode(cert, Element(kept));
+}
+
+// The same for the chain of an extension's elements.
+Status decode_extension(void *ctx, const Anybuf *elements, za::cert::ExtensionDecoder decode) {
+    za::Chain sequence;
+    ZA_TRY(ZAsn1_WriteSequence, za::asn1::write_sequence(elements, sequence));
+    return decode_kept(ctx, sequence.head(), [&](Certificate &cert, const Element &extension) {
+        Children children;
+        ZA_TRY(ZAsn1_ReadSequence, za::asn1::read_sequence(extension, children));
+        return decode(cert, children);
+    });
+}
+
+}  // namespace
+
+uint32_t ZACert_DecodeCert(void *ctx, const uint8_t *der, uint32_t derLen) {
+    return trace.exported([&] {
+        // The header decides, not the argument; but what it may add is bounded.
+        constexpr uint32_t kMostBeyondArgument = 65536;
+        ZA_PASS(trace.need(ctx, der));
+        uint32_t total = 0;
+        ZA_TRY(ZAsn1_GetCertLength, za::asn1::element_length(der, total));
+        if (total > derLen && total > kMostBeyondArgument) {
+            return trace.fail(Status::length, "------>ZACERT_LengthErr");
+        }
+        return za::cert::decode_certificate(*static_cast<Certificate *>(ctx), {der, total});
+    });
+}
+
+uint32_t ZI_Cert_DecodeTBS(void *ctx, Anybuf *tbs) {
+    return trace.exported([&] { return decode_kept(ctx, tbs, za::cert::decode_tbs); });
+}
+
+uint32_t ZI_Cert_DecodeExtensions(Anybuf *wrapper, void *extBlock) {
+    return trace.exported(
+        [&] { return decode_kept(extBlock, wrapper, za::cert::decode_extensions); });
+}
+
+uint32_t ZI_Cert_DecodeExtension_BasicConstraint(Anybuf *elements, void *extBlock) {
+    return trace.exported(
+        [&] { return decode_extension(extBlock, elements, za::cert::decode_basic_constraints); });
+}
+
+uint32_t ZI_Cert_DecodeExtension_AuthorityKeyIdentifyer(Anybuf *elements, void *extBlock) {
+    return trace.exported([&] {
+        return decode_extension(extBlock, elements, za::cert::decode_authority_key_identifier);
+    });
+}
+
+uint32_t ZI_Cert_DecodeExtension_SubjectKeyIdentifier(Anybuf *elements, void *extBlock) {
+    return trace.exported([&] {
+        return decode_extension(extBlock, elements, za::cert::decode_subject_key_identifier);
+    });
+}
+
+uint32_t ZI_Cert_DecodeExtension_KeyUsage(Anybuf *elements, void *extBlock) {
+    return trace.exported(
+        [&] { return decode_extension(extBlock, elements, za::cert::decode_key_usage); });
+}
+
+uint32_t ZI_Cert_DecodeExtension_ExtKeyUsage(Anybuf *elements, void *extBlock) {
+    return trace.exported(
+        [&] { return decode_extension(extBlock, elements, za::cert::decode_extended_key_usage); });
+}
+
+uint32_t ZI_Cert_DecodeExtension_CrlDistributionPoint(Anybuf *elements, void *extBlock) {
+    return trace.exported(
+        [&] { return decode_extension(extBlock, elements, za::cert::decode_distribution_points); });
+}
+
+uint32_t ZI_Cert_DecodeExtension_SubjectAltName(Anybuf *elements, void *extBlock) {
+    return trace.exported([&] {
+        return decode_extension(extBlock, elements, za::cert::decode_subject_alternative_name);
+    });
+}
+
+uint32_t ZI_Cert_DecodeExtension_IssuerAltName(Anybuf *elements, void *extBlock) {
+    return trace.exported([&] {
+        return decode_extension(extBlock, elements, za::cert::decode_issuer_alternative_name);
+    });
+}
+
+uint32_t ZI_Cert_DecodeExtension_Private(Anybuf *elements, void *extBlock) {
+    return trace.exported(
+        [&] { return decode_extension(extBlock, elements, za::cert::decode_private); });
+}
