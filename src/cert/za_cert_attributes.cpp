@@ -68,7 +68,7 @@ Status get_time(const Certificate &cert, uint32_t &out) {
 
 Status set_issuer_der(Certificate &cert, const Row &, Bytes value) {
     if (cert.issuer.der.holds_empty_storage()) {
-        return trace.fail(Status::general, "------>ZACERT_GeneralErr");
+        return trace.fail(Status::general);
     }
     return cert.issuer.der.assign(value);
 }
@@ -143,7 +143,7 @@ Status get_text(Certificate &cert, const Row &, Bytes &out) {
 template <auto Which>
 Status set_string_types(Certificate &cert, const Row &, Bytes value) {
     if (value.size() > kStringTypes) {
-        return trace.fail(Status::general, "------>ZACERT_GeneralErr");
+        return trace.fail(Status::general);
     }
     put((cert.*Which).string_types.data(), value);
     return Status::ok;

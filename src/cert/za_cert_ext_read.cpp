@@ -30,7 +30,7 @@ constexpr uint32_t context_constructed(uint32_t number) {
 
 Status take(Children &fields, Element &out) {
     if (!fields.next(out)) {
-        return trace.fail(Status::certificate_not_end, "------>ZACERT_CertNotEndErr");
+        return trace.fail(Status::certificate_not_end);
     }
     return Status::ok;
 }

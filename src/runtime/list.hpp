@@ -45,7 +45,7 @@ public:
     Status append(const TraceSource &trace, T &&value) {
         Node *node = make_in_heap<Node>(std::move(value));
         if (node == nullptr) {
-            return trace.fail(Status::memory, "------>ZAPR_Malloc");
+            return trace.fail(Status::memory);
         }
         (last_ == nullptr ? first_ : last_->next) = node;
         last_ = node;

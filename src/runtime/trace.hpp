@@ -42,11 +42,14 @@ public:
         return status;
     }
 
+    // A condition that the function itself detects, told by the name of its code.
+    [[gnu::cold, gnu::noinline]] Status fail(Status status,
+                                             uint32_t line = __builtin_LINE()) const noexcept;
+
     // The arguments that must not be NULL.
     template <class... Pointers>
     Status need(Pointers... pointers) const noexcept {
-        return ((pointers != nullptr) && ...) ? Status::ok
-                                              : fail(Status::general, "------>ZACERT_GeneralErr");
+        return ((pointers != nullptr) && ...) ? Status::ok : fail(Status::general);
     }
 
     // The frame of an exported function called by the application: Begin, body, End on success.
