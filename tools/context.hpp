@@ -18,7 +18,7 @@ struct RawExtension {
 };
 
 class Context {
-public:
+  public:
     // The octets must be the whole certificate that their header announces.
     explicit Context(View der);
 
@@ -28,7 +28,7 @@ public:
     // The extensions without an attribute of their own.
     std::vector<RawExtension> private_extensions() const;
 
-private:
+  private:
     RawExtension private_extension(uint32_t index) const;
 
     struct Destroy {

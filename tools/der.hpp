@@ -23,9 +23,9 @@ constexpr uint8_t constructed(unsigned n) {
 
 // Elements handed out by the library, in their order.
 class Chain {
-public:
+  public:
     class Iterator {
-    public:
+      public:
         explicit Iterator(const Anybuf *at) : at_(at) {}
         const Anybuf &operator*() const { return *at_; }
         Iterator &operator++() {
@@ -34,7 +34,7 @@ public:
         }
         bool operator==(const Iterator &) const = default;
 
-    private:
+      private:
         const Anybuf *at_;
     };
 
@@ -43,7 +43,7 @@ public:
     Iterator begin() const { return Iterator(first_.get()); }
     Iterator end() const { return Iterator(nullptr); }
 
-private:
+  private:
     struct Release {
         void operator()(Anybuf *first) const { ZI_FreeAnybuf(first); }
     };
@@ -52,7 +52,7 @@ private:
 
 // The elements of a SEQUENCE, taken one after the other.
 class Fields {
-public:
+  public:
     explicit Fields(Chain chain) : chain_(std::move(chain)), at_(chain_.begin()) {}
 
     bool at_end() const { return at_ == chain_.end(); }
@@ -60,7 +60,7 @@ public:
     const Anybuf &required(uint8_t identifier);  // throws when the next one is another
     const Anybuf *optional(uint8_t identifier);  // nullptr when the next one is another
 
-private:
+  private:
     Chain chain_;
     Chain::Iterator at_;
 };

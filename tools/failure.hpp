@@ -13,18 +13,18 @@ std::string_view meaning(uint32_t code);
 
 // A whole sentence for the user: "expected a certificate: no Base64".
 class Failure : public std::runtime_error {
-public:
+  public:
     using runtime_error::runtime_error;
 };
 
 // A function of the library failed; what() is the meaning with the code.
 class LibraryError : public std::runtime_error {
-public:
+  public:
     explicit LibraryError(uint32_t code);
 
     uint32_t code() const { return code_; }
 
-private:
+  private:
     uint32_t code_;
 };
 

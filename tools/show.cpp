@@ -16,7 +16,7 @@ namespace tool {
 namespace {
 
 class Show {
-public:
+  public:
     explicit Show(Format format) : format_(format) {}
 
     void file(const std::string &path) {
@@ -46,7 +46,7 @@ public:
         return num_failed_ == 0;
     }
 
-private:
+  private:
     void candidate(const std::string &path, size_t index, const std::string &place,
                    const Candidate &candidate) {
         if (!candidate.problem.empty()) {

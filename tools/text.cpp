@@ -14,7 +14,7 @@ constexpr std::string_view kIndent = "    ";
 
 // Lines at four depths of indentation.
 class Page {
-public:
+  public:
     void line(size_t depth, std::string_view text) {
         for (size_t i = 0; i < depth; ++i) {
             text_ += kIndent;
@@ -35,7 +35,7 @@ public:
 
     std::string take() { return std::move(text_); }
 
-private:
+  private:
     std::string text_;
 };
 
