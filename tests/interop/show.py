@@ -1,40 +1,12 @@
-"""The command `show` on certificates fresh from openssl and certtool, and on input that is none."""
+"""The command `show` on certificates fresh from openssl and certtool."""
 
-import json
-import os
 import re
-import subprocess
-import tempfile
 import unittest
 
-from support import make, oracle
-
-NAME = r"""
-C = DE
-ST = Thüringen
-O = Beispiel, Gesellschaft + Co \\ \"Zitat\"
-OU = Eins
-1.OU = Zwei
-CN = 名称
-"""
+from support import oracle
+from support.case import GENERAL_NAMES, NAME, POLICIES, ShowTest
 
 LATIN_NAME = "C = DE\nO = Müller\nCN = été"
-
-GENERAL_NAMES = """
-[names]
-DNS.1 = a.example
-DNS.2 = *.b.example
-email = post@c.example
-URI = https://d.example/?q=1
-IP.1 = 192.0.2.1
-IP.2 = 2001:db8::1
-RID = 1.3.6.1.4.1.99999.1
-dirName = directory
-otherName = 1.3.6.1.4.1.311.20.2.3;UTF8:nutzer@e.example
-[directory]
-C = DE
-O = Verzeichnis
-"""
 
 GENERAL_NAMES_EXPECTED = [
     ("dNSName", "a.example"), ("dNSName", "*.b.example"), ("rfc822Name", "post@c.example"),
@@ -42,17 +14,6 @@ GENERAL_NAMES_EXPECTED = [
     ("iPAddress", "2001:db8::1"), ("registeredID", "1.3.6.1.4.1.99999.1"),
     ("directoryName", ["DE", "Verzeichnis"]), ("otherName", "nutzer@e.example"),
 ]
-
-POLICIES = """
-[policy]
-policyIdentifier = 1.3.6.1.4.1.99999.2
-CPS.1 = https://example.org/cps
-userNotice.1 = @notice
-[notice]
-explicitText = UTF8:Hinweis für alle
-organization = Beispiel
-noticeNumbers = 1, 300
-"""
 
 DISTRIBUTION_POINTS = """
 [point1]
@@ -95,33 +56,6 @@ def value(certificate, member):
 def general_names(names):
     return [(n["form"], [a["value"] for rdn in n["value"] for a in rdn]
              if n["form"] == "directoryName" else n["value"]) for n in names]
-
-
-class ShowTest(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        folder = tempfile.TemporaryDirectory()
-        cls.addClassCleanup(folder.cleanup)
-        cls.make = make.Maker(folder.name)
-        cls.small = cls.make.certificate(name="CN = small")
-        cls.small_der = cls.make.der(cls.small)
-
-    def show(self, *arguments, data=b"", environment=None):
-        return subprocess.run([oracle.TOOL, "show", *map(str, arguments)], input=data,
-                              capture_output=True, env={**os.environ, **(environment or {})},
-                              check=False)
-
-    def shown(self, pem):
-        certificates = oracle.show(["-"], pem)
-        self.assertEqual(len(certificates), 1)
-        return certificates[0]
-
-    def agree(self, pem):
-        """What openssl says too; the certificate as the tool sees it."""
-        certificate = self.shown(pem)
-        self.assertEqual(oracle.differences(oracle.by_openssl(pem), oracle.by_tool(certificate)),
-                         [])
-        return certificate
 
 
 class Certificates(ShowTest):
@@ -175,6 +109,17 @@ class Certificates(ShowTest):
         for label, arguments in rows.items():
             with self.subTest(label):
                 self.agree(self.make.certificate(*arguments))
+
+    def test_years(self):
+        """Two-digit years from 50 on are of the last century. Nobody looks at the signature."""
+        utc_times = re.findall(rb"\x17\x0d(\d{12}Z)", self.small_der)
+        self.assertEqual(len(utc_times), 2)
+        for year in (b"49", b"50", b"69", b"70", b"99"):
+            with self.subTest(year=year):
+                changed = self.small_der.replace(utc_times[0], year + b"0304050607Z")
+                certificate = self.shown(self.make.pem(changed))
+                self.assertEqual(oracle.differences(oracle.by_openssl(changed, "DER"),
+                                                    oracle.by_tool(certificate)), [])
 
     def test_version_1(self):
         certificate = self.agree(self.make.version_1())
@@ -291,165 +236,6 @@ class Extensions(ShowTest):
                                 ("subjectAltName", False, False, "30020500")])
         problems = [e.get("problem") for e in certificate["extensions"]][:5]
         self.assertEqual([bool(p) for p in problems], [False, False, True, False, True])
-
-
-class Input(ShowTest):
-    def test_forms(self):
-        other = self.make.certificate(name="CN = other")
-        key = self.make.key().read_bytes()
-        trusted = oracle.run(["openssl", "x509", "-trustout", "-addtrust", "serverAuth"],
-                             input=self.small)
-        rows = {
-            "DER": (self.small_der, ["small"]),
-            "PEM": (self.small, ["small"]),
-            "CR LF": (self.small.replace(b"\n", b"\r\n"), ["small"]),
-            "no last line end": (self.small.rstrip(), ["small"]),
-            "several blocks, text and a key between": (
-                b"0 text\n" + self.small + key + b"more\n" + other, ["small", "other"]),
-            "X509 CERTIFICATE": (self.small.replace(b"CERT", b"X509 CERT"), ["small"]),
-            "TRUSTED CERTIFICATE": (trusted, ["small"]),
-        }
-        for label, (octets, names) in rows.items():
-            with self.subTest(label):
-                path = self.make.file("input", octets)
-                shown = oracle.show([path])
-                self.assertEqual([c["subject"][0][0]["value"] for c in shown], names)
-                self.assertEqual(oracle.show(["-"], octets),
-                                 [c | {"file": "-"} for c in shown])
-
-    def test_bad_input(self):
-        cut, longer = self.small_der[:-1], self.small_der + b"\0"
-        size = len(self.small_der)
-        block = self.small.decode().splitlines()
-        rows = {
-            "empty": (b"", "a certificate: the file is empty"),
-            "text": (b"hello\n", "a certificate in DER or PEM: a tag is not the one expected (106)"),
-            "other PEM": (self.make.key().read_bytes(),
-                          "a PEM block CERTIFICATE, found PRIVATE KEY"),
-            "no Base64": (self.small.replace(b"M", b"*", 1),
-                          "a certificate: the PEM block is not Base64"),
-            "no last line": ("\n".join(block[:-1]).encode(),
-                             "a certificate: the PEM block has no last line"),
-            "another last line": (self.small.replace(b"END C", b"END X"),
-                                  "a certificate: the last line of the PEM block has another label"),
-            "cut": (cut, f"a certificate of {size} octets, found {size - 1}: "
-                         "length fields do not add up (102)"),
-            "longer": (longer, f"a certificate of {size} octets, found {size + 1}: "
-                               "length fields do not add up (102)"),
-            "length of five octets": (b"\x30\x85" + self.small_der,
-                                      "a certificate: a length is out of range (101)"),
-            "an INTEGER instead": (b"\x30\x03\x02\x01\x05", "a certificate: "),
-        }
-        for label, (octets, message) in rows.items():
-            with self.subTest(label):
-                path = self.make.file("bad", octets)
-                result = self.show(path)
-                self.assertEqual((result.returncode, result.stdout), (1, b""))
-                line = result.stderr.decode()
-                self.assertEqual(line.count("\n"), 1)
-                self.assertTrue(line.startswith(f"zacert: {path}: expected {message}"), line)
-
-    def test_unreadable(self):
-        missing = self.make.path("missing")
-        for path, message in ((missing, "No such file or directory"),
-                              (self.make.folder, "Is a directory")):
-            result = self.show(path)
-            self.assertEqual(result.returncode, 1)
-            self.assertEqual(result.stderr.decode(),
-                             f"zacert: {path}: expected a certificate: {message}\n")
-
-    def test_above_the_limit(self):
-        path = self.make.path("large")
-        with open(path, "wb") as large:
-            large.truncate(64 * 1024 * 1024 + 1)
-        result = self.show(path)
-        path.unlink()
-        self.assertEqual(result.stderr.decode(), f"zacert: {path}: expected at most 64 MiB\n")
-        self.assertEqual(result.returncode, 1)
-
-    def test_the_others_are_still_shown(self):
-        good = self.make.file("good", self.small)
-        mixed = self.make.file("mixed", self.small + self.small.replace(b"M", b"*", 1) + self.small)
-        result = self.show("--format", "json", "missing", good, mixed)
-        self.assertEqual(result.returncode, 1)
-        self.assertEqual([(c["file"], c["index"]) for c in json.loads(result.stdout)],
-                         [(str(good), 1), (str(mixed), 1), (str(mixed), 3)])
-        lines = result.stderr.decode().splitlines()
-        self.assertEqual(len(lines), 2)
-        self.assertEqual(lines[1], f"zacert: {mixed}: block 2: expected a certificate: "
-                                   "the PEM block is not Base64")
-
-    def test_damaged_octets(self):
-        """Every truncation is refused; no changed octet ends the tool by a signal."""
-        certificates = {
-            "plain": self.small_der,
-            "extensions": self.make.der(self.make.certificate(
-                extensions="subjectAltName = @names\ncertificatePolicies = @policy\n"
-                           "authorityKeyIdentifier = keyid, issuer:always",
-                sections=GENERAL_NAMES + POLICIES)),
-        }
-        for label, der in certificates.items():
-            with self.subTest(label):
-                cut = [self.make.file(f"cut{i}", der[:i]) for i in range(len(der))]
-                result = self.show(*cut)
-                self.assertEqual((result.returncode, result.stdout), (1, b""))
-                self.assertEqual(len(result.stderr.splitlines()), len(cut))
-                changed = [self.make.file(f"changed{i}", der[:i] + bytes([octet ^ 0x81]) +
-                                          der[i + 1:]) for i, octet in enumerate(der)]
-                result = self.show(*changed)
-                self.assertEqual(result.returncode, 1)
-                shown = len(re.findall(rb"^Certificate 1 of ", result.stdout, re.M))
-                self.assertEqual(shown + len(result.stderr.splitlines()), len(changed))
-
-    def test_usage_errors(self):
-        for arguments in ([], ["show"], ["show", "--format", "xml", "-"], ["peel", "-"]):
-            result = subprocess.run([oracle.TOOL, *arguments], capture_output=True, check=False)
-            self.assertEqual(result.returncode, 2, arguments)
-            self.assertTrue(result.stderr)
-        for arguments, text in ((["--help"], "zacert show"), (["show", "--help"], "--format"),
-                                (["--version"], "zacert ")):
-            self.assertIn(text, oracle.run([oracle.TOOL, *arguments]).decode())
-
-
-class Text(ShowTest):
-    def test_no_control_character_reaches_the_terminal(self):
-        name = "CN = a\x1b[31m\x07\u009b31m\u202e\\\\nb"
-        pem = self.make.certificate(name=name, extensions="subjectAltName = DNS:a\x1b]0;x")
-        for form in ("text", "table", "json"):
-            with self.subTest(form):
-                output = self.show("--format", form, "-", data=pem).stdout.decode()
-                self.assertNotRegex(output, "[\x00-\x09\x0b-\x1f\x7f-\x9f\u202e]")
-                escape = r"\u001b[31m" if form == "json" else r"a\1b[31m"
-                self.assertIn(escape, output)
-
-    def test_text(self):
-        pem = self.make.certificate("-set_serial", "0xabcd", name=NAME, extensions=(
-            "subjectAltName = @names\ncertificatePolicies = @policy\nkeyUsage = critical, cRLSign\n"
-            "1.2.3.4 = DER:0c0141"), sections=GENERAL_NAMES + POLICIES)
-        output = self.show("-", data=pem).stdout.decode()
-        for line in ("Serial number:        ab:cd",
-                     "Subject:              C=DE, ST=Thüringen, O=Beispiel\\, Gesellschaft \\+ "
-                     "Co \\\\ \\\"Zitat\\\", OU=Eins, OU=Zwei, CN=名称",
-                     "Public key:           Ed25519, 256 bits",
-                     "Key usage (critical)", "iPAddress: 2001:db8::1",
-                     "directoryName: C=DE, O=Verzeichnis",
-                     "otherName userPrincipalName: nutzer@e.example",
-                     "CPS: https://example.org/cps", "Notice of Beispiel: 1 300",
-                     "1.2.3.4", "0c:01:41"):
-            self.assertRegex(output, rf"(?m)^ +{re.escape(line)}$")
-
-    def test_table(self):
-        wide = self.make.certificate(name="CN = " + "名" * 30, extensions=(
-            "keyUsage = cRLSign\n1.2.3.4 = DER:0500"))
-        result = self.show("--format", "table", "missing", "-", data=self.small + wide)
-        lines = result.stdout.decode().splitlines()
-        self.assertEqual(len(lines), 4)
-        self.assertRegex(lines[1], r"^small +small .* Ed25519 ")
-        self.assertRegex(lines[2], r"^名+… .* KU \? .* 2/3$")
-        self.assertRegex(lines[-1], r"^3 certificates, 2 decoded; \d+ extensions, \d+ decoded$")
-        # A Chinese character takes two columns.
-        columns = [len(line) + line.count("名") for line in lines[:-1]]
-        self.assertLessEqual(max(columns), 160)
 
 
 if __name__ == "__main__":

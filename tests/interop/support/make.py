@@ -1,5 +1,6 @@
 """Fresh certificates, made by openssl and certtool in one folder."""
 
+import base64
 import pathlib
 
 from support.oracle import run
@@ -82,6 +83,11 @@ class Maker:
         key, path = self.key("p256"), self.file("certtool.cfg", template.encode())
         return run(["certtool", "--generate-self-signed", "--load-privkey", key, "--template",
                     path])
+
+    @staticmethod
+    def pem(der):
+        return (b"-----BEGIN CERTIFICATE-----\n" + base64.encodebytes(der) +
+                b"-----END CERTIFICATE-----\n")
 
     @staticmethod
     def der(pem):

@@ -6,7 +6,7 @@ import os
 import re
 import subprocess
 
-TOOL = os.environ.get("ZACERT_TOOL", "zacert")
+TOOL = os.environ["ZACERT_TOOL"]
 
 STRING_TYPES = {
     "UTF8STRING": "UTF8String",
@@ -50,7 +50,11 @@ X509_OPTIONS = [
 
 
 def run(command, **options):
-    return subprocess.run(command, check=True, capture_output=True, **options).stdout
+    """Standard output of a command that must succeed."""
+    result = subprocess.run(command, capture_output=True, check=False, **options)
+    if result.returncode != 0:
+        raise RuntimeError(f"{command} ended with {result.returncode}: {result.stderr.decode()}")
+    return result.stdout
 
 
 def show(files, data=b""):
