@@ -232,7 +232,11 @@ Status set_key_usage(Certificate &cert, const Row &row, Bytes value) {
 
 Status add_purpose(Certificate &cert, const Row &, Bytes dotted) {
     Octets oid;
-    if (names::oid_from_text(dotted, oid) != Status::ok) {
+    const Status converted = names::oid_from_text(dotted, oid);
+    if (converted == Status::memory) {
+        return converted;
+    }
+    if (converted != Status::ok) {
         return trace.fail(Status::invalid_item,
                           "------>CERTEX_EXTKEY_USAGE_OID_DEFINE: input oid is invalid.");
     }
