@@ -20,7 +20,7 @@ static_assert(sizeof(ZACERT_EccPriKey) == 292);
 
 constexpr const char *kTextD = "----->ZACERT_DecodeEccPriKey: \262\316\312\375d";
 
-constexpr uint32_t kContext1 = asn1::kContext0 + 1;
+constexpr uint32_t kContext1 = asn1::constructed(1);
 
 // A private key of any form: the record, and what the record has no place for.
 struct PrivateKey {
@@ -132,7 +132,7 @@ Status read_sec1_form(asn1::Children fields, PrivateKey &out) {
     }
     out.record.pub.curve = unknown_curve();
     while (fields.next(field)) {
-        if (field.type == asn1::kContext0) {
+        if (field.type == asn1::constructed(0)) {
             ZA_PASS(read_sec1_curve(field, out));
         } else if (field.type == kContext1) {
             ZA_PASS(read_sec1_point(field, out));
@@ -165,7 +165,7 @@ Status write_private_key(const ZACERT_EccPriKey &key, Octets &out) {
 }
 
 Status write_sec1(const PrivateKey &key, Octets &out) {
-    constexpr uint8_t kContextIdentifier0 = asn1::kContext0;
+    constexpr uint8_t kContextIdentifier0 = asn1::constructed(0);
     constexpr uint8_t kContextIdentifier1 = kContext1;
     constexpr uint8_t kPointPrefix[] = {0, kUncompressed};  // behind the count of unused bits
     const auto structure = [&](DerWriter &der) {

@@ -87,8 +87,6 @@ Status decode_general_names(const asn1::Element &in, GeneralNames &out, bool &fo
 
 namespace {
 
-constexpr uint32_t kContextPrimitive = 0x80;
-
 // Copies of what was found, kept until all of them exist.
 class Copies {
   public:
@@ -108,7 +106,7 @@ class Copies {
                 record = {};
                 record.dataLen = to_u32(octets_[i].size());
                 record.data = octets_[i].release();
-                record.dataType = kContextPrimitive | kStringForms[i].choice;
+                record.dataType = asn1::primitive(kStringForms[i].choice);
             }
         }
         if (is_new(kDirectoryName, names, out)) {
