@@ -104,10 +104,20 @@ std::vector<RawExtension> raw_extensions(const Context &context, const Anybuf &w
     return extensions;
 }
 
+Extension undecoded(RawExtension raw, const Kind *kind) {
+    Extension extension;
+    extension.id.oid = std::move(raw.oid);
+    extension.critical = raw.critical;
+    extension.octets = std::move(raw.octets);
+    if (kind != nullptr) {
+        extension.id.name = kind->name;
+        extension.title = kind->title;
+        extension.short_code = kind->short_code;
+    }
+    return extension;
+}
+
 void decode(const Context &context, const Kind &kind, Extension &extension) {
-    extension.id.name = kind.name;
-    extension.title = kind.title;
-    extension.short_code = kind.short_code;
     try {
         extension.value = kind.read({context, extension.octets});
     } catch (const LibraryError &error) {
@@ -115,21 +125,21 @@ void decode(const Context &context, const Kind &kind, Extension &extension) {
     }
 }
 
+bool contains(const std::vector<Extension> &extensions, std::string_view oid) {
+    return std::any_of(extensions.begin(), extensions.end(),
+                       [oid](const Extension &extension) { return extension.id.oid == oid; });
+}
+
 }  // namespace
 
 std::vector<Extension> read_extensions(const Context &context, const Anybuf &wrapper) {
     std::vector<Extension> extensions;
     for (RawExtension &raw : raw_extensions(context, wrapper)) {
-        const bool repeated =
-            std::any_of(extensions.begin(), extensions.end(),
-                        [&](const Extension &earlier) { return earlier.id.oid == raw.oid; });
-        Extension extension;
-        extension.id.oid = std::move(raw.oid);
-        extension.critical = raw.critical;
-        extension.octets = std::move(raw.octets);
-        if (repeated) {
+        const Kind *kind = find_kind(raw.oid);
+        Extension extension = undecoded(std::move(raw), kind);
+        if (contains(extensions, extension.id.oid)) {
             extension.problem = "the extension is there twice";
-        } else if (const Kind *kind = find_kind(extension.id.oid)) {
+        } else if (kind != nullptr) {
             decode(context, *kind, extension);
         }
         extensions.push_back(std::move(extension));

@@ -157,15 +157,31 @@ class Extensions(ShowTest):
         certificate = self.extended(
             "keyUsage = critical, digitalSignature, keyAgreement, decipherOnly\n"
             "extendedKeyUsage = serverAuth, OCSPSigning, 1.2.3.4\n"
-            "basicConstraints = critical, CA:TRUE, pathlen:300")
+            "basicConstraints = critical, CA:TRUE, pathlen:200")
         self.assertEqual(value(certificate, "key_usage"),
                          ["digitalSignature", "keyAgreement", "decipherOnly"])
         self.assertEqual([u["name"] for u in value(certificate, "extended_key_usage")],
                          ["serverAuth", "OCSPSigning", "1.2.3.4"])
         self.assertEqual(value(certificate, "basic_constraints"),
-                         {"ca": True, "path_length": 300})
+                         {"ca": True, "path_length": 200})
         self.assertEqual(value(self.extended("basicConstraints = CA:FALSE"), "basic_constraints"),
                          {"ca": False})
+
+    def test_object_identifiers(self):
+        """The first octets hold two arcs, and arcs have no limit."""
+        oids = ["0.39.1", "1.0.1", "1.39.127", "2.0.128", "2.39.1", "2.47.1", "2.48.1", "2.175.1",
+                "2.176.1", "2.999.16383", "2.16304.1", "2.25.329800735698586629295641978511506172918"]
+        certificate = self.extended("extendedKeyUsage = " + ", ".join(oids))
+        self.assertEqual([u["oid"] for u in value(certificate, "extended_key_usage")], oids)
+
+    def test_extension_there_twice(self):
+        der = self.make.der(self.make.certificate(
+            extensions="subjectAltName = DNS:a.example\nissuerAltName = DNS:b.example"))
+        twice = der.replace(b"\x55\x1d\x11", b"\x55\x1d\x12")
+        first, second = self.shown(self.make.pem(twice))["extensions"][:2]
+        self.assertEqual(general_names(first["issuer_alt_name"]), [("dNSName", "a.example")])
+        self.assertEqual((second["name"], second["decoded"]), ("issuerAltName", False))
+        self.assertEqual(second["problem"], "the extension is there twice")
 
     def test_authority_key_identifier(self):
         certificate = self.extended("subjectKeyIdentifier = hash\n"
