@@ -16,11 +16,11 @@ namespace tool {
 
 namespace {
 
-constexpr size_t kMaxFile = 64u * 1024 * 1024;
+constexpr size_t kMaxFile = size_t{64} * 1024 * 1024;
 constexpr size_t kMaxHeader = 11;
 
 struct Close {
-    void operator()(FILE *file) const { std::fclose(file); }
+    void operator()(FILE *file) const { static_cast<void>(std::fclose(file)); }
 };
 
 Octets read_all(FILE *file) {

@@ -5,7 +5,6 @@
 #include "wording.hpp"
 
 #include <array>
-#include <cstdio>
 
 namespace tool {
 
@@ -56,9 +55,9 @@ Json extensions_json(const std::vector<Extension> &extensions) {
 
 // A character of the basic plane, as all unsafe ones are, in the escape of JSON.
 std::string json_escape(char32_t value) {
-    std::array<char, 8> text{};
-    std::snprintf(text.data(), text.size(), "\\u%04x", static_cast<unsigned>(value) & 0xFFFFu);
-    return text.data();
+    const std::array<uint8_t, 2> octets = {static_cast<uint8_t>(value >> 8),
+                                           static_cast<uint8_t>(value)};
+    return "\\u" + hex(octets);
 }
 
 }  // namespace

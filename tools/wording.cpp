@@ -3,8 +3,7 @@
 #include "oid_names.hpp"
 #include "utf8.hpp"
 
-#include <array>
-#include <cstdio>
+#include <algorithm>
 
 namespace tool {
 
@@ -29,6 +28,11 @@ std::string escaped(const Text &value) {
     return text;
 }
 
+std::string padded(int64_t value, size_t width) {
+    const std::string digits = std::to_string(value);
+    return std::string(width - std::min(width, digits.size()), '0') + digits;
+}
+
 }  // namespace
 
 std::string file_label(const std::string &path) {
@@ -37,19 +41,15 @@ std::string file_label(const std::string &path) {
 
 std::string date(std::chrono::sys_seconds time) {
     const std::chrono::year_month_day day{std::chrono::floor<std::chrono::days>(time)};
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%04d-%02u-%02u", static_cast<int>(day.year()),
-                  static_cast<unsigned>(day.month()), static_cast<unsigned>(day.day()));
-    return text.data();
+    return padded(static_cast<int>(day.year()), 4) + "-" +
+           padded(static_cast<unsigned>(day.month()), 2) + "-" +
+           padded(static_cast<unsigned>(day.day()), 2);
 }
 
 std::string time_of_day(std::chrono::sys_seconds time) {
     const std::chrono::hh_mm_ss clock{time - std::chrono::floor<std::chrono::days>(time)};
-    std::array<char, 32> text{};
-    std::snprintf(
-        text.data(), text.size(), "%02d:%02d:%02d", static_cast<int>(clock.hours().count()),
-        static_cast<int>(clock.minutes().count()), static_cast<int>(clock.seconds().count()));
-    return text.data();
+    return padded(clock.hours().count(), 2) + ":" + padded(clock.minutes().count(), 2) + ":" +
+           padded(clock.seconds().count(), 2);
 }
 
 std::string one_line(const Rdn &rdn) {
