@@ -1,11 +1,11 @@
 /*
  * asn1.h - the DER codec (ITU-T X.690): headers, times, one reader and one writer per type.
  *
- * Writers take a value and hand back one complete element in a new record. Readers take a record that
- * holds exactly one element (identifier, length and content add up to `dataLen`, else 102) and hand
- * back its content. Apart from SEQUENCE, SET and the two times, readers do not compare the tag, so any
- * reader of a string reads any primitive element. Every output record is released with ZI_FreeAnybuf,
- * with the exception stated at ZAsn1_ReadObjectId.
+ * Writers take a value and hand back one complete element in a new record. Readers take a record
+ * that holds exactly one element (identifier, length and content add up to `dataLen`, else 102) and
+ * hand back its content. Apart from SEQUENCE, SET and the two times, readers do not compare the
+ * tag, so any reader of a string reads any primitive element. Every output record is released with
+ * ZI_FreeAnybuf, with the exception stated at ZAsn1_ReadObjectId.
  *
  * A content of exactly 65535 octets is written with three length octets (83 00 FF FF); readers take
  * that form and the minimal one. Lengths of up to four octets are read; longer ones give 101.
@@ -36,7 +36,8 @@
 extern "C" {
 #endif
 
-/* ---- Tag, length and time ---------------------------------------------------------------------- */
+/* ---- Tag, length and time ----------------------------------------------------------------------
+ */
 
 /*
  * Of the functions below, these hand out allocated cells (`uint32_t **`), each released with
@@ -47,33 +48,33 @@ extern "C" {
 /*
  * ZAsn1_Low_GetTagInfo: reads the identifier octets at `*pos`, at most six, and moves `*pos` behind
  * them. The tag is the low five bits below 0x80, the whole octet from 0x80 on, and the accumulated
- * number in the high-tag-number form. The caller vouches for the octets. 106: `pos` or `*pos` is NULL;
- * 101: a tag number of more than five octets; 100.
+ * number in the high-tag-number form. The caller vouches for the octets. 106: `pos` or `*pos` is
+ * NULL; 101: a tag number of more than five octets; 100.
  */
 ZACERT_API uint32_t ZAsn1_Low_GetTagInfo(const uint8_t **pos, uint32_t **tagCell,
                                          uint32_t **tagOctetsCell);
 
 /*
  * ZAsn1_Low_GetLengthInfo: reads the length octets at `*pos` (1 to 5) and moves `*pos` behind them;
- * the count includes the initial octet. An initial 0x80 reads as length 0. The caller vouches for the
- * octets. 101: more than four subsequent octets; 100.
+ * the count includes the initial octet. An initial 0x80 reads as length 0. The caller vouches for
+ * the octets. 101: more than four subsequent octets; 100.
  */
 ZACERT_API uint32_t ZAsn1_Low_GetLengthInfo(const uint8_t **pos, uint32_t **lengthCell,
                                             uint32_t **lenOctetsCell);
 
 /*
- * ZAsn1_GetCertLength: the whole length of the element that begins at `first`: identifier, length and
- * content octets, read from its header alone (at most eleven octets). 101: malformed header, or a
- * total above 32 bits.
+ * ZAsn1_GetCertLength: the whole length of the element that begins at `first`: identifier, length
+ * and content octets, read from its header alone (at most eleven octets). 101: malformed header, or
+ * a total above 32 bits.
  */
 ZACERT_API uint32_t ZAsn1_GetCertLength(const uint8_t *first, uint32_t *totalLength);
 
 /*
  * ZAsn1_GetLengthInfo: an old variant kept for existing callers; new code uses
- * ZAsn1_Low_GetLengthInfo. From the third octet on it seeks the first with bit 0x40 or 0x10 and takes
- * the next one as initial length octet: long form when that has bit 0x40 or 0x10, then shifting left
- * by eight after each following octet. `*count` is the initial octet's low seven bits. `*pos` stays.
- * It has no bound at all: the caller must vouch that such an octet exists.
+ * ZAsn1_Low_GetLengthInfo. From the third octet on it seeks the first with bit 0x40 or 0x10 and
+ * takes the next one as initial length octet: long form when that has bit 0x40 or 0x10, then
+ * shifting left by eight after each following octet. `*count` is the initial octet's low seven
+ * bits. `*pos` stays. It has no bound at all: the caller must vouch that such an octet exists.
  */
 ZACERT_API uint32_t ZAsn1_GetLengthInfo(const uint8_t **pos, uint32_t *length, uint32_t *count);
 
@@ -91,18 +92,20 @@ ZACERT_API uint32_t ZAsn1_Low_WriteTagAndLength(const Anybuf *src, uint32_t iden
 
 /*
  * ZAsn1_Low_ReadTagAndLength: parses the header at `*pos`, which must account for exactly
- * `src->dataLen` octets, and moves `*pos` to the first content octet. `*out` is a new record with an
- * allocated block for the content (also in `*content`; NULL for none), which the caller fills from
+ * `src->dataLen` octets, and moves `*pos` to the first content octet. `*out` is a new record with
+ * an allocated block for the content (also in `*content`; NULL for none), which the caller fills
+ * from
  * `*pos`. For a source of `dataType` 3 the unused-bits octet, for INTEGER a leading 0x00 before an
- * octet from 0x80 on is skipped. 102: lengths differ; 101: bad length, or BIT STRING without content;
- * 100.
+ * octet from 0x80 on is skipped. 102: lengths differ; 101: bad length, or BIT STRING without
+ * content; 100.
  */
-ZACERT_API uint32_t ZAsn1_Low_ReadTagAndLength(const Anybuf *src, const uint8_t **pos,
-                                               Anybuf **out, uint8_t **content);
+ZACERT_API uint32_t ZAsn1_Low_ReadTagAndLength(const Anybuf *src, const uint8_t **pos, Anybuf **out,
+                                               uint8_t **content);
 
 /*
- * ZAsn1_Low_IntToChar: the content octets of a non-negative INTEGER: the shortest big-endian form, with
- * 0x00 in front when the first octet would be 0x80 or above. Octets and count cell are allocated.
+ * ZAsn1_Low_IntToChar: the content octets of a non-negative INTEGER: the shortest big-endian form,
+ * with 0x00 in front when the first octet would be 0x80 or above. Octets and count cell are
+ * allocated.
  */
 ZACERT_API uint32_t ZAsn1_Low_IntToChar(uint32_t value, uint8_t **bytes, uint32_t **countCell);
 
@@ -116,8 +119,8 @@ ZACERT_API uint32_t ZAsn1_Low_TimeIntToChar(uint32_t value, char *twoChars);
 ZACERT_API uint32_t ZAsn1_Low_TimeCharToInt(const char *twoChars, uint32_t *value);
 
 /*
- * ZAsn1_Low_ItoCTime: the 13 characters YYMMDDHHMMSSZ of a time, in the local zone, and a cell holding
- * 13; both are released with ZAPR_Free. The text is not terminated. 115: a negative time.
+ * ZAsn1_Low_ItoCTime: the 13 characters YYMMDDHHMMSSZ of a time, in the local zone, and a cell
+ * holding 13; both are released with ZAPR_Free. The text is not terminated. 115: a negative time.
  */
 ZACERT_API uint32_t ZAsn1_Low_ItoCTime(int32_t time, char **text13, uint32_t **lengthCell);
 
@@ -136,22 +139,24 @@ ZACERT_API uint32_t ZAsn1_Low_CtoITime(const char *text, uint32_t length, int32_
 ZACERT_API uint32_t ZAsn1_Low_WriteLongTime(int32_t time, uint32_t identifier, Anybuf **out);
 
 /*
- * ZAsn1_Low_ReadLongTime: the time in an element of any tag, by ZAsn1_Low_CtoITime. A content shorter
- * than twelve octets gives 104.
+ * ZAsn1_Low_ReadLongTime: the time in an element of any tag, by ZAsn1_Low_CtoITime. A content
+ * shorter than twelve octets gives 104.
  */
 ZACERT_API uint32_t ZAsn1_Low_ReadLongTime(const Anybuf *element, int32_t *time);
 
 /*
- * ZAsn1_IndefiniteToDefinite: rewrites BER with indefinite lengths (X.690, 8.1.3.6) to definite ones
- * and folds a constructed OCTET STRING inside a rewritten element into a primitive one. Input whose
- * outer length is definite and accounts for all of it is copied unchanged. With an output buffer of
- * `inLen` octets the result is never longer than that: one that would be gives 101 and writes nothing;
- * a NULL buffer asks for the length. 123: malformed, unclosed, nested deeper than 64, or no memory.
+ * ZAsn1_IndefiniteToDefinite: rewrites BER with indefinite lengths (X.690, 8.1.3.6) to definite
+ * ones and folds a constructed OCTET STRING inside a rewritten element into a primitive one. Input
+ * whose outer length is definite and accounts for all of it is copied unchanged. With an output
+ * buffer of `inLen` octets the result is never longer than that: one that would be gives 101 and
+ * writes nothing; a NULL buffer asks for the length. 123: malformed, unclosed, nested deeper than
+ * 64, or no memory.
  */
 ZACERT_API uint32_t ZAsn1_IndefiniteToDefinite(const uint8_t *in, uint32_t inLen, uint8_t *out,
                                                uint32_t *outLen);
 
-/* ---- Primitive types --------------------------------------------------------------------------- */
+/* ---- Primitive types ---------------------------------------------------------------------------
+ */
 
 /* ZAsn1_WriteInteger: INTEGER of an unsigned number, never negative: 128 is 02 02 00 80. */
 ZACERT_API uint32_t ZAsn1_WriteInteger(uint32_t value, Anybuf **out);
@@ -160,14 +165,14 @@ ZACERT_API uint32_t ZAsn1_WriteInteger(uint32_t value, Anybuf **out);
 ZACERT_API uint32_t ZAsn1_ReadInteger(const Anybuf *in, uint32_t *value);
 
 /*
- * ZAsn1_WriteIntegerArray: INTEGER of big-endian octets; 0x00 is put before a first octet from 0x80 on,
- * leading zeros are kept, and no octets give 02 00.
+ * ZAsn1_WriteIntegerArray: INTEGER of big-endian octets; 0x00 is put before a first octet from 0x80
+ * on, leading zeros are kept, and no octets give 02 00.
  */
 ZACERT_API uint32_t ZAsn1_WriteIntegerArray(const Anybuf *in, Anybuf **out);
 
 /*
- * ZAsn1_ReadIntegerArray: the octets of an INTEGER in the caller's record `dst`, without one 0x00 in
- * front of an octet from 0x80 on. What `dst` held is not freed; the caller clears it with
+ * ZAsn1_ReadIntegerArray: the octets of an INTEGER in the caller's record `dst`, without one 0x00
+ * in front of an octet from 0x80 on. What `dst` held is not freed; the caller clears it with
  * ZI_ClearAnybuf. An empty content leaves `data` NULL.
  */
 ZACERT_API uint32_t ZAsn1_ReadIntegerArray(const Anybuf *in, Anybuf *dst);
@@ -178,12 +183,13 @@ ZACERT_API uint32_t ZAsn1_WriteOctetString(const Anybuf *in, Anybuf **out);
 /* ZAsn1_ReadOctetString: content octets of any primitive element. */
 ZACERT_API uint32_t ZAsn1_ReadOctetString(const Anybuf *in, Anybuf **out);
 
-/* ZAsn1_WriteBitString: BIT STRING of the record's octets with its `unusedBits` (0 to 7) in front. */
+/* ZAsn1_WriteBitString: BIT STRING of the record's octets with its `unusedBits` (0 to 7) in front.
+ */
 ZACERT_API uint32_t ZAsn1_WriteBitString(const Anybuf *in, Anybuf **out);
 
 /*
- * ZAsn1_ReadBitString: the bits without the octet that counts unused ones; `unusedBits` of the output
- * is that of the input record. 101: no content.
+ * ZAsn1_ReadBitString: the bits without the octet that counts unused ones; `unusedBits` of the
+ * output is that of the input record. 101: no content.
  */
 ZACERT_API uint32_t ZAsn1_ReadBitString(const Anybuf *in, Anybuf **out);
 
@@ -209,8 +215,8 @@ ZACERT_API uint32_t ZAsn1_WriteCharString(const Anybuf *in, Anybuf **out);
 ZACERT_API uint32_t ZAsn1_ReadCharString(const Anybuf *in, Anybuf **out);
 
 /*
- * ZAsn1_WritePrintableString: PrintableString, or BMPString when `in->dataType` is 30 and the octets
- * are UCS-2 big-endian.
+ * ZAsn1_WritePrintableString: PrintableString, or BMPString when `in->dataType` is 30 and the
+ * octets are UCS-2 big-endian.
  */
 ZACERT_API uint32_t ZAsn1_WritePrintableString(const Anybuf *in, Anybuf **out);
 
@@ -239,8 +245,8 @@ ZACERT_API uint32_t ZAsn1_ReadIa5String(const Anybuf *in, Anybuf **out);
 ZACERT_API uint32_t ZAsn1_WriteObjectId(const ZA_ObjectIdentifier *in, Anybuf **out);
 
 /*
- * ZAsn1_ReadObjectId: a new record with number 0 and the content octets. It is no Anybuf: release it
- * with ZI_ClearAnybuf(&oid->parameters) and then ZAPR_Free(oid).
+ * ZAsn1_ReadObjectId: a new record with number 0 and the content octets. It is no Anybuf: release
+ * it with ZI_ClearAnybuf(&oid->parameters) and then ZAPR_Free(oid).
  */
 ZACERT_API uint32_t ZAsn1_ReadObjectId(const Anybuf *in, ZA_ObjectIdentifier **out);
 
@@ -251,18 +257,20 @@ ZACERT_API uint32_t ZAsn1_WriteUtcTime(const int32_t *time, Anybuf **out);
 ZACERT_API uint32_t ZAsn1_ReadUtcTime(const Anybuf *in, int32_t *time);
 
 /*
- * ZAsn1_WriteGeneralizedTime: tag 24 with the same 13 characters as a UTCTime. Other software refuses
- * this form; it is kept so that the library reads what it wrote.
+ * ZAsn1_WriteGeneralizedTime: tag 24 with the same 13 characters as a UTCTime. Other software
+ * refuses this form; it is kept so that the library reads what it wrote.
  */
 ZACERT_API uint32_t ZAsn1_WriteGeneralizedTime(const int32_t *time, Anybuf **out);
 
 /*
  * ZAsn1_ReadGeneralizedTime: takes the 13 characters of ZAsn1_WriteGeneralizedTime and the standard
- * form of 15, YYYYMMDDHHMMSSZ, years 1970 to 2106 (low 32 bits). 106: `in->dataType` is not 24; 104.
+ * form of 15, YYYYMMDDHHMMSSZ, years 1970 to 2106 (low 32 bits). 106: `in->dataType` is not 24;
+ * 104.
  */
 ZACERT_API uint32_t ZAsn1_ReadGeneralizedTime(const Anybuf *in, int32_t *time);
 
-/* ---- Constructed types and context tags -------------------------------------------------------- */
+/* ---- Constructed types and context tags --------------------------------------------------------
+ */
 
 /* ZAsn1_WriteSequence: SEQUENCE of a chain of whole elements; a NULL chain gives 30 00. */
 ZACERT_API uint32_t ZAsn1_WriteSequence(const Anybuf *chain, Anybuf **out);
@@ -284,21 +292,22 @@ ZACERT_API uint32_t ZAsn1_WriteExplicit(const Anybuf *element, uint32_t n, Anybu
 
 /*
  * ZAsn1_ReadExplicit: takes the outer header off any element. `*inner` holds the content with
- * `dataType` from its first octet (0 when empty), `*tag` the outer tag value (0xA3 for [3], 2 for an
- * INTEGER).
+ * `dataType` from its first octet (0 when empty), `*tag` the outer tag value (0xA3 for [3], 2 for
+ * an INTEGER).
  */
 ZACERT_API uint32_t ZAsn1_ReadExplicit(const Anybuf *in, Anybuf **inner, uint32_t *tag);
 
 /*
- * ZAsn1_WriteImplicit: the element's content under tag [n]: 0xA0 | n when its `dataType` is 16 or 17,
- * else 0x80 | n. A BIT STRING (by `dataType`) loses its unused-bits octet and an INTEGER a leading
- * 0x00.
+ * ZAsn1_WriteImplicit: the element's content under tag [n]: 0xA0 | n when its `dataType` is 16 or
+ * 17, else 0x80 | n. A BIT STRING (by `dataType`) loses its unused-bits octet and an INTEGER a
+ * leading 0x00.
  */
 ZACERT_API uint32_t ZAsn1_WriteImplicit(const Anybuf *element, uint32_t n, Anybuf **out);
 
 /*
- * ZAsn1_ReadImplicit: `*tagNumber` is the low five bits of the identifier. A constructed element gives
- * the chain of its children (NULL when empty), a primitive one a single record with its content.
+ * ZAsn1_ReadImplicit: `*tagNumber` is the low five bits of the identifier. A constructed element
+ * gives the chain of its children (NULL when empty), a primitive one a single record with its
+ * content.
  */
 ZACERT_API uint32_t ZAsn1_ReadImplicit(const Anybuf *in, Anybuf **outOrChain, uint32_t *tagNumber);
 

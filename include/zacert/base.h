@@ -19,35 +19,35 @@ extern "C" {
  * apart from failure use 200 (match) and 300 (mismatch), which are values and not failures.
  */
 typedef enum ZACERT_Result {
-    ZACERT_MemoryErr = 100,               /* no memory, or a time the calendar cannot convert */
-    ZACERT_LengthErr = 101,               /* a length out of range */
-    ZACERT_LengthNotEqualErr = 102,       /* the lengths inside an element do not add up */
-    ZACERT_TimeFormatErr = 103,           /* a time field above 99 */
-    ZACERT_InvalidTimeEndErr = 104,       /* a time text that does not end in "Z" */
-    ZACERT_TagErr = 106,                  /* another tag than the one expected */
-    ZACERT_InvalidSignatureLenErr = 107,  /* a signing callback gave an unusable length */
-    ZACERT_GeneralErr = 108,              /* a bad argument */
-    ZACERT_CertNotEndErr = 109,           /* a certificate ended before a required element */
-    ZACERT_AttributeNotSupportErr = 110,  /* an identifier the accessor does not know */
-    ZACERT_CrlNotEndErr = 111,            /* a CRL ended before a required element */
-    ZACERT_CsrNotEndErr = 112,            /* a request ended before a required element */
-    ZACERT_ItemMissingErr = 113,          /* a key structure with too few elements */
-    ZACERT_AttributeAlreadySet = 114,     /* a value that may be set only once */
-    ZACERT_InvalidTimeErr = 115,          /* a negative time is to be written */
-    ZACERT_DnNotEqualErr = 116,           /* issuer name and subject of the issuer differ */
-    ZACERT_TimeOutRangeErr = 117,         /* outside the validity period */
-    ZACERT_InvalidSignatureAlgErr = 118,  /* signature algorithm not supported */
-    ZACERT_SignFuncNotSetErr = 119,       /* no signing callback installed */
-    ZACERT_PrivateKeyErr = 120,           /* a PKCS#12 private key could not be prepared */
-    ZACERT_InvalidItem = 121,             /* an item or content type outside the supported set */
-    ZACERT_TypeErr = 122,                 /* a content of the wrong type */
-    ZACERT_IndefiniteErr = 123,           /* a broken indefinite-length encoding */
-    ZACERT_RsaPublicKeyErr = 124,         /* an RSA public key that cannot be used */
-    ZACERT_DigestedErr = 125,             /* a digest failed */
-    ZACERT_CryptErr = 126,                /* a cipher, MAC or random operation failed */
-    ZACERT_RsaPrivateKeyErr = 127,        /* an RSA private key that cannot be used */
-    ZACERT_VerifyErr = 128,               /* a signature did not verify */
-    ZACERT_IvaliedAlgo = 139              /* an unknown algorithm or a malformed identifier */
+    ZACERT_MemoryErr = 100,              /* no memory, or a time the calendar cannot convert */
+    ZACERT_LengthErr = 101,              /* a length out of range */
+    ZACERT_LengthNotEqualErr = 102,      /* the lengths inside an element do not add up */
+    ZACERT_TimeFormatErr = 103,          /* a time field above 99 */
+    ZACERT_InvalidTimeEndErr = 104,      /* a time text that does not end in "Z" */
+    ZACERT_TagErr = 106,                 /* another tag than the one expected */
+    ZACERT_InvalidSignatureLenErr = 107, /* a signing callback gave an unusable length */
+    ZACERT_GeneralErr = 108,             /* a bad argument */
+    ZACERT_CertNotEndErr = 109,          /* a certificate ended before a required element */
+    ZACERT_AttributeNotSupportErr = 110, /* an identifier the accessor does not know */
+    ZACERT_CrlNotEndErr = 111,           /* a CRL ended before a required element */
+    ZACERT_CsrNotEndErr = 112,           /* a request ended before a required element */
+    ZACERT_ItemMissingErr = 113,         /* a key structure with too few elements */
+    ZACERT_AttributeAlreadySet = 114,    /* a value that may be set only once */
+    ZACERT_InvalidTimeErr = 115,         /* a negative time is to be written */
+    ZACERT_DnNotEqualErr = 116,          /* issuer name and subject of the issuer differ */
+    ZACERT_TimeOutRangeErr = 117,        /* outside the validity period */
+    ZACERT_InvalidSignatureAlgErr = 118, /* signature algorithm not supported */
+    ZACERT_SignFuncNotSetErr = 119,      /* no signing callback installed */
+    ZACERT_PrivateKeyErr = 120,          /* a PKCS#12 private key could not be prepared */
+    ZACERT_InvalidItem = 121,            /* an item or content type outside the supported set */
+    ZACERT_TypeErr = 122,                /* a content of the wrong type */
+    ZACERT_IndefiniteErr = 123,          /* a broken indefinite-length encoding */
+    ZACERT_RsaPublicKeyErr = 124,        /* an RSA public key that cannot be used */
+    ZACERT_DigestedErr = 125,            /* a digest failed */
+    ZACERT_CryptErr = 126,               /* a cipher, MAC or random operation failed */
+    ZACERT_RsaPrivateKeyErr = 127,       /* an RSA private key that cannot be used */
+    ZACERT_VerifyErr = 128,              /* a signature did not verify */
+    ZACERT_IvaliedAlgo = 139             /* an unknown algorithm or a malformed identifier */
 } ZACERT_Result;
 
 /*
@@ -69,9 +69,9 @@ typedef struct Anybuf {
 } Anybuf;
 
 /*
- * ZA_AlgorithmIdentifier: an algorithm number (0: identified by its octets) and its parameters, empty
- * when there are none. As ZA_ObjectIdentifier the embedded record holds an object identifier's
- * content octets, without tag and length.
+ * ZA_AlgorithmIdentifier: an algorithm number (0: identified by its octets) and its parameters,
+ * empty when there are none. As ZA_ObjectIdentifier the embedded record holds an object
+ * identifier's content octets, without tag and length.
  */
 typedef struct ZA_AlgorithmIdentifier {
     uint32_t algorithm;

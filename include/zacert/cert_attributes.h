@@ -29,10 +29,10 @@ typedef enum ZA_CertAttribute {
     CERT_ISSUER_POSTALCODE = 17,
     CERT_ISSUER_TELEPHONE = 18,
 
-    CERT_VALIDFROM = 29,      /* Int SG: notBefore; 0 when it was a GeneralizedTime */
-    CERT_VALIDTO = 30,        /* Int SG: notAfter, likewise */
-    CERT_SUBJECT_DERDN = 31,  /* Char SG: whole DER Name of the subject */
-    CERT_SUBJECT_DN = 32,     /* Char G: subject as text */
+    CERT_VALIDFROM = 29,           /* Int SG: notBefore; 0 when it was a GeneralizedTime */
+    CERT_VALIDTO = 30,             /* Int SG: notAfter, likewise */
+    CERT_SUBJECT_DERDN = 31,       /* Char SG: whole DER Name of the subject */
+    CERT_SUBJECT_DN = 32,          /* Char G: subject as text */
     CERT_SUBJECT_COUNTRYNAME = 33, /* Char SG, as all up to 42: a name entry, appended */
     CERT_SUBJECT_STATEORPROVINCENAME = 34,
     CERT_SUBJECT_LOCALITYNAME = 35,
@@ -58,10 +58,10 @@ typedef enum ZA_CertAttribute {
     CERTEX_SUBJECTKEYIDENTIFIER_CRITICAL = 84,   /* Char S */
     CERTEX_SUBJECTKEYIDENTIFIER = 85,            /* Char SG, once: key identifier octets */
     CERTEX_KEYUSAGE_CRITICAL = 86,               /* Char SG; 1 by default */
-    CERTEX_KEYUSAGE = 87,           /* Char SG, once: 1 or 2 octets, 0x80 of the first being bit 0 */
-    CERTEX_CERTPOLICY_CRITICAL = 91,             /* Char S */
-    CERTEX_CERTPOLICYID = 92,                    /* Char S: policy OID; the first one counts */
-    CERTEX_CERTPOLICY_CPS = 93,                  /* Char S: a CPS URI, appended */
+    CERTEX_KEYUSAGE = 87, /* Char SG, once: 1 or 2 octets, 0x80 of the first being bit 0 */
+    CERTEX_CERTPOLICY_CRITICAL = 91, /* Char S */
+    CERTEX_CERTPOLICYID = 92,        /* Char S: policy OID; the first one counts */
+    CERTEX_CERTPOLICY_CPS = 93,      /* Char S: a CPS URI, appended */
 
     CERT_SUBJECT_ALT_COUNTRYNAME = 101, /* Char S: directoryName entries of the SAN, appended */
     CERT_SUBJECT_ALT_STATEORPROVINCENAME = 102,
@@ -83,10 +83,10 @@ typedef enum ZA_CertAttribute {
     CERTEX_PATHLENCONSTRAINT = 121,         /* Char SG: path length, octets of the INTEGER */
     CERTEX_EXTKEY_CRITICAL = 128,           /* Char S */
     /*
-     * Char SG, once: four octets, little-endian: 0x40 serverAuth, 0x80 clientAuth, 0x100 codeSigning,
-     * 0x200 emailProtection, 0x400 ipsecEndSystem, 0x800 ipsecTunnel, 0x1000 ipsecUser,
-     * 0x2000 timeStamping. A shorter value fills the most significant octets. Read from a decoded
-     * certificate it holds the purposes recognised.
+     * Char SG, once: four octets, little-endian: 0x40 serverAuth, 0x80 clientAuth, 0x100
+     * codeSigning, 0x200 emailProtection, 0x400 ipsecEndSystem, 0x800 ipsecTunnel, 0x1000
+     * ipsecUser, 0x2000 timeStamping. A shorter value fills the most significant octets. Read from
+     * a decoded certificate it holds the purposes recognised.
      */
     CERTEX_EXTKEY_USAGE = 129,
     CERTEX_CRLDIST_CRITICAL = 130,        /* Char S */
@@ -96,18 +96,18 @@ typedef enum ZA_CertAttribute {
     CERTEX_AUTHORITYINFO_CAISSUERS = 137, /* Char S: a URI, appended */
     CERTEX_EXTKEY_USAGE_OID_DEFINE = 155, /* Char S: a purpose's OID, dotted, appended */
 
-    CERT_SUBJECT_ALT_OTHERNAME_TYPEID = 501,    /* Char S: otherName type OID, dotted */
-    CERT_SUBJECT_ALT_OTHERNAME_VALUE = 502,     /* Char S: otherName value */
-    CERT_SUBJECT_ALT_OTHERNAME_VALUE_TAG = 503, /* Char S: first octet: its universal tag */
-    CERT_SUBJECT_ALT_RFC822NAME = 504,          /* Char SG, once */
-    CERT_SUBJECT_ALT_DNSNAME = 505,             /* Char SG, once */
+    CERT_SUBJECT_ALT_OTHERNAME_TYPEID = 501,          /* Char S: otherName type OID, dotted */
+    CERT_SUBJECT_ALT_OTHERNAME_VALUE = 502,           /* Char S: otherName value */
+    CERT_SUBJECT_ALT_OTHERNAME_VALUE_TAG = 503,       /* Char S: first octet: its universal tag */
+    CERT_SUBJECT_ALT_RFC822NAME = 504,                /* Char SG, once */
+    CERT_SUBJECT_ALT_DNSNAME = 505,                   /* Char SG, once */
     CERT_SUBJECT_ALT_UNIFORMRESOURCEIDENTIFIER = 509, /* Char SG, once */
-    CERT_SUBJECT_ALT_IPADDRESS = 510,           /* Char SG: address octets */
-    CERT_SUBJECT_ALT_CRITICAL = 512,            /* Char S */
+    CERT_SUBJECT_ALT_IPADDRESS = 510,                 /* Char SG: address octets */
+    CERT_SUBJECT_ALT_CRITICAL = 512,                  /* Char S */
 
-    CERT_SUBJECT_dnQualifier = 533,     /* Char S: subject name entry, appended */
-    CERT_ISSUER_dnQualifier = 534,      /* Char S: issuer name entry, appended */
-    CERT_ISSUER_PUBLICKEYINFO_SN = 537, /* Char S: authorityCertSerialNumber */
+    CERT_SUBJECT_dnQualifier = 533,              /* Char S: subject name entry, appended */
+    CERT_ISSUER_dnQualifier = 534,               /* Char S: issuer name entry, appended */
+    CERT_ISSUER_PUBLICKEYINFO_SN = 537,          /* Char S: authorityCertSerialNumber */
     CERT_ISSUER_PUBLICKEYINFO_COUNTRYNAME = 538, /* Char S: authorityCertIssuer, up to 545 */
     CERT_ISSUER_PUBLICKEYINFO_STATEORPROVINCENAME = 539,
     CERT_ISSUER_PUBLICKEYINFO_LOCALITYNAME = 540,
@@ -122,8 +122,8 @@ typedef enum ZA_CertAttribute {
     CERT_SUBJCET_DN_DER_ID_TAG = 3002, /* Char S: string types of the subject's entries */
     /*
      * Char SG: parameters of the key algorithm: the curve's OID. Setting it makes the key an
-     * elliptic-curve one. Read from a decoded certificate: OID content octets, or the whole element of
-     * explicit parameters (which cannot be set again as an OID), or nothing for NULL.
+     * elliptic-curve one. Read from a decoded certificate: OID content octets, or the whole element
+     * of explicit parameters (which cannot be set again as an OID), or nothing for NULL.
      */
     CERT_ECC_PUBLICKEY_OID = 3003
 } ZA_CertAttribute;

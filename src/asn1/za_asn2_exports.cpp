@@ -68,7 +68,8 @@ uint32_t ZAsn1_Low_WriteTagAndLength(const Anybuf *src, uint32_t identifier, Any
         ZA_PASS(trace.need(src, out, writePos));
         Chain element;
         uint8_t *place = nullptr;
-        ZA_PASS(write_tag_and_length(Value(*src), static_cast<uint8_t>(identifier), element, place));
+        ZA_PASS(
+            write_tag_and_length(Value(*src), static_cast<uint8_t>(identifier), element, place));
         *writePos = place;
         *out = element.release();
         return Status::ok;
@@ -190,8 +191,8 @@ uint32_t ZAsn1_ReadBitString(const Anybuf *in, Anybuf **out) {
 uint32_t ZAsn1_WriteBoolean(const uint8_t *value, Anybuf **out) {
     return trace.exported([&] {
         ZA_PASS(trace.need(value));
-        return hand_out_element(
-            out, [&](Chain &element) { return write_boolean(*value > 0, element); });
+        return hand_out_element(out,
+                                [&](Chain &element) { return write_boolean(*value > 0, element); });
     });
 }
 

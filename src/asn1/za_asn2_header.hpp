@@ -82,7 +82,11 @@ Status element_length(const uint8_t *first, uint32_t &out);
 
 // Length octets as the library writes them: a content of exactly 65535 takes three of them.
 constexpr uint32_t length_octets_for(uint32_t length) {
-    return length < 0x80 ? 1 : length < 0x100 ? 2 : length < 0xFFFF ? 3 : length < 0x1000000 ? 4 : 5;
+    return length < 0x80        ? 1
+           : length < 0x100     ? 2
+           : length < 0xFFFF    ? 3
+           : length < 0x1000000 ? 4
+                                : 5;
 }
 
 // Identifier and length; returns the place of the content.

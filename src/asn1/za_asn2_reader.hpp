@@ -28,33 +28,33 @@ struct Content {
     uint32_t unused_bits = 0;
 };
 
-// The children of a constructed element. They were all measured when it was read, so that taking one
-// cannot fail.
+// The children of a constructed element. They were all measured when it was read, so that taking
+// one cannot fail.
 class Children {
-  public:
+public:
     Children() = default;
     explicit Children(Bytes measured) : rest_(measured) {}
 
     bool empty() const { return rest_.empty(); }
     bool next(Element &out);
 
-  private:
+private:
     Bytes rest_;
 };
 
-// ZAsn1_Low_ReadTagAndLength: without the unused-bits octet of a BIT STRING and the leading 00 of an
-// INTEGER.
+// ZAsn1_Low_ReadTagAndLength: without the unused-bits octet of a BIT STRING and the leading 00 of
+// an INTEGER.
 Status read_tag_and_length(const Element &in, Content &out);
 
 // ZAsn1_ReadOctetString and the readers of every other string and of ENUMERATED.
 Status read_string(const Element &in, Content &out);
-Status read_bit_string(const Element &in, Content &out);     // ZAsn1_ReadBitString
-Status read_integer_array(const Element &in, Content &out);  // ZAsn1_ReadIntegerArray
-Status read_integer(const Element &in, uint32_t &out);       // ZAsn1_ReadInteger
-Status read_boolean(const Element &in, uint8_t &out);        // ZAsn1_ReadBoolean
-Status read_object_id(const Element &in, Bytes &out);        // ZAsn1_ReadObjectId
-Status read_long_time(const Element &in, TimeFields &out);      // ZAsn1_Low_ReadLongTime
-Status read_utc_time(const Element &in, TimeFields &out);       // ZAsn1_ReadUtcTime
+Status read_bit_string(const Element &in, Content &out);           // ZAsn1_ReadBitString
+Status read_integer_array(const Element &in, Content &out);        // ZAsn1_ReadIntegerArray
+Status read_integer(const Element &in, uint32_t &out);             // ZAsn1_ReadInteger
+Status read_boolean(const Element &in, uint8_t &out);              // ZAsn1_ReadBoolean
+Status read_object_id(const Element &in, Bytes &out);              // ZAsn1_ReadObjectId
+Status read_long_time(const Element &in, TimeFields &out);         // ZAsn1_Low_ReadLongTime
+Status read_utc_time(const Element &in, TimeFields &out);          // ZAsn1_ReadUtcTime
 Status read_generalized_time(const Element &in, TimeFields &out);  // ZAsn1_ReadGeneralizedTime
 
 Status read_sequence(const Element &in, Children &out);  // ZAsn1_ReadSequence

@@ -1,10 +1,10 @@
 // Times: seconds since 1970 and their texts, by the local zone of the process.
 #pragma once
 
-#include <array>
-
 #include "runtime/bytes.hpp"
 #include "runtime/status.hpp"
+
+#include <array>
 
 namespace za::asn1 {
 

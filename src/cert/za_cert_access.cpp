@@ -1,10 +1,10 @@
 // Creating and destroying certificate contexts, and the exported accessors.
-#include <array>
-#include <cstdio>
-
 #include "cert/za_cert_attributes.hpp"
 #include "runtime/context.hpp"
 #include "runtime/trace.hpp"
+
+#include <array>
+#include <cstdio>
 
 using za::Bytes;
 using za::Status;

@@ -1,11 +1,11 @@
 // One row per attribute, and the setters and getters that the rows name.
 #include "cert/za_cert_attributes.hpp"
 
-#include <array>
-#include <bit>
-
 #include "names/za_low_oid.hpp"
 #include "runtime/trace.hpp"
+
+#include <array>
+#include <bit>
 
 namespace {
 
@@ -68,7 +68,7 @@ Status get_time(const Certificate &cert, uint32_t &out) {
 
 Status set_issuer_der(Certificate &cert, const Row &, Bytes value) {
     if (cert.issuer.der.holds_empty_storage()) {
-        return trace.fail(Status::general, "------>ZACERT_GeneralErr");
+        return trace.fail(Status::general);
     }
     return cert.issuer.der.assign(value);
 }
@@ -143,7 +143,7 @@ Status get_text(Certificate &cert, const Row &, Bytes &out) {
 template <auto Which>
 Status set_string_types(Certificate &cert, const Row &, Bytes value) {
     if (value.size() > kStringTypes) {
-        return trace.fail(Status::general, "------>ZACERT_GeneralErr");
+        return trace.fail(Status::general);
     }
     put((cert.*Which).string_types.data(), value);
     return Status::ok;
@@ -201,15 +201,14 @@ Status set_value_once(Certificate &cert, const Row &row, Bytes value) {
         const bool is_dns_text = row.id == CERT_SUBJECT_ALT_DNSNAME ||
                                  row.id == CERT_SUBJECT_ALT_UNIFORMRESOURCEIDENTIFIER;
         return trace.fail(Status::attribute_already_set,
-                          is_dns_text
-                              ? "------>CERT_SUBJECT_ALT_DNSNAME ZACERT_AttributeAlreadySet"
-                              : "------>ZACERT_AttributeAlreadySet");
+                          is_dns_text ? "------>CERT_SUBJECT_ALT_DNSNAME ZACERT_AttributeAlreadySet"
+                                      : "------>ZACERT_AttributeAlreadySet");
     }
     return set_value<Extension, Value, kCriticality>(cert, row, value);
 }
 
-// The unused bits of a key usage: two octets hold nine bits; of one octet those below its lowest set
-// bit are unused.
+// The unused bits of a key usage: two octets hold nine bits; of one octet those below its lowest
+// set bit are unused.
 Status count_unused_bits(Bytes value, uint32_t &out) {
     if (value.empty() || value.size() > 2) {
         return trace.fail(Status::general, "------>CertTex_KeyUsage_SetUnuseBit  Err");
@@ -331,7 +330,10 @@ Status add_authority_issuer_entry(Certificate &cert, const Row &row, Bytes value
 
 using C = Certificate;
 
-#define ROW(identifier, ...) Row{identifier, ZA_ATTRIBUTE_TEXTS(identifier), __VA_ARGS__}
+#define ROW(identifier, ...)                                    \
+    Row {                                                       \
+        identifier, ZA_ATTRIBUTE_TEXTS(identifier), __VA_ARGS__ \
+    }
 #define FIELD(identifier, ...) ROW(identifier, set_field<__VA_ARGS__>, get_field<__VA_ARGS__>)
 #define ENTRY(identifier, which, kind) ROW(identifier, add_entry<which>, get_entry<which>, kind)
 #define CRITICAL(identifier, which) ROW(identifier, set_critical<which>)

@@ -8,5 +8,4 @@ namespace za::cert {
 
 const AttributeTable<Certificate> &attributes();
 
-
 }  // namespace za::cert

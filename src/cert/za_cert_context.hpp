@@ -1,12 +1,12 @@
 // The certificate context: one record for both directions, filled by setters or by decoding.
 #pragma once
 
-#include <array>
-
 #include "asn1/za_asn2_time.hpp"
 #include "names/za_low_name.hpp"
 #include "runtime/field.hpp"
 #include "runtime/list.hpp"
+
+#include <array>
 
 namespace za::cert {
 
@@ -21,17 +21,17 @@ struct Name {
     std::array<uint8_t, kStringTypes> string_types{};
 };
 
-// A time remembers which DER type it came from or is to be written as. One that was decoded keeps its
-// text's fields until somebody asks for the seconds.
+// A time remembers which DER type it came from or is to be written as. One that was decoded keeps
+// its text's fields until somebody asks for the seconds.
 class Time {
-  public:
+public:
     void set(int32_t utc);
     void decoded(const asn1::TimeFields &fields, bool is_utc);
 
     // The seconds of a UTCTime; 0 for a GeneralizedTime, which readers of the attribute rely on.
     Status utc(int32_t &out) const;
 
-  private:
+private:
     bool is_utc_ = false;
     bool is_decoded_ = false;
     int32_t seconds_ = 0;
@@ -80,9 +80,9 @@ struct KeyUsage {
 
 struct ExtendedKeyUsage {
     ExtensionState state;
-    Field value;                     // the selection as attribute 129 gives it
+    Field value;  // the selection as attribute 129 gives it
     std::array<uint8_t, 4> decoded_mask{};
-    List<Field> purposes;            // further ones, as OID content octets
+    List<Field> purposes;  // further ones, as OID content octets
 };
 
 struct BasicConstraints {

@@ -20,7 +20,7 @@ using asn1::Element;
 // The next field of a structure that must have one.
 Status take(Children &fields, Element &out) {
     if (!fields.next(out)) {
-        return trace.fail(Status::certificate_not_end, "------>ZACERT_CertNotEndErr");
+        return trace.fail(Status::certificate_not_end);
     }
     return Status::ok;
 }
@@ -65,8 +65,8 @@ Status decode_validity(const Element &validity, Certificate &cert) {
     return decode_time(time, cert.not_after);
 }
 
-// How long parameters say what they are. Thirty octets say nothing: that gap has always been there, and
-// certificates were read by it.
+// How long parameters say what they are. Thirty octets say nothing: that gap has always been there,
+// and certificates were read by it.
 uint32_t key_kind(const keys::PublicKeyInfo &key) {
     const size_t length = key.parameters.size();
     if (length >= 31) {
@@ -138,12 +138,12 @@ Status decode_signature(Children fields, Certificate &cert) {
 // Certificate ::= SEQUENCE { tbsCertificate, signatureAlgorithm, signatureValue }
 Status decode_certificate(Certificate &cert, Bytes in) {
     if (in.data() == nullptr) {
-        return trace.fail(Status::general, "------>ZACERT_GeneralErr");
+        return trace.fail(Status::general);
     }
     asn1::Header header;
     ZA_TRY(ZAsn1_GetCertLength, asn1::read_header(in, header));
     if (header.total > in.size()) {
-        return trace.fail(Status::length_not_equal, "------>ZACERT_LengthNotEqualErr");
+        return trace.fail(Status::length_not_equal);
     }
     Bytes whole;
     ZA_PASS(cert.keep(in.first(header.total), whole));
@@ -235,7 +235,7 @@ uint32_t ZACert_DecodeCert(void *ctx, const uint8_t *der, uint32_t derLen) {
         uint32_t total = 0;
         ZA_TRY(ZAsn1_GetCertLength, za::asn1::element_length(der, total));
         if (total > derLen && total > kMostBeyondArgument) {
-            return trace.fail(Status::length, "------>ZACERT_LengthErr");
+            return trace.fail(Status::length);
         }
         return za::cert::decode_certificate(*static_cast<Certificate *>(ctx), {der, total});
     });

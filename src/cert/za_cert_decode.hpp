@@ -1,5 +1,5 @@
-// From DER to the certificate context. What is kept are views of octets that the context keeps, so the
-// elements handed in must be octets of Certificate::keep.
+// From DER to the certificate context. What is kept are views of octets that the context keeps, so
+// the elements handed in must be octets of Certificate::keep.
 #pragma once
 
 #include "asn1/za_asn2_reader.hpp"

@@ -1,10 +1,10 @@
 // The decoders of extensions (RFC 5280, 4.2).
-#include <array>
-
 #include "cert/za_cert_decode.hpp"
 #include "names/za_low_general_name.hpp"
 #include "names/za_low_oid.hpp"
 #include "runtime/trace.hpp"
+
+#include <array>
 
 namespace {
 
@@ -30,7 +30,7 @@ constexpr uint32_t context_constructed(uint32_t number) {
 
 Status take(Children &fields, Element &out) {
     if (!fields.next(out)) {
-        return trace.fail(Status::certificate_not_end, "------>ZACERT_CertNotEndErr");
+        return trace.fail(Status::certificate_not_end);
     }
     return Status::ok;
 }
@@ -137,28 +137,41 @@ struct KnownExtension {
 };
 
 constexpr std::array kKnownExtensions{
-    KnownExtension{19, [](Certificate &c) -> auto & { return c.basic_constraints.state; },
-                   decode_basic_constraints, "------>ZI_Cert_DecodeExtension_BasicConstraint"},
-    KnownExtension{35, [](Certificate &c) -> auto & { return c.authority_key_identifier.state; },
-                   decode_authority_key_identifier,
-                   "------>ZI_Cert_DecodeExtension_AuthorityKeyIdentifyer"},
-    KnownExtension{14, [](Certificate &c) -> auto & { return c.subject_key_identifier.state; },
-                   decode_subject_key_identifier,
-                   "------>ZI_Cert_DecodeExtension_SubjectKeyIdentifier"},
-    KnownExtension{15, [](Certificate &c) -> auto & { return c.key_usage.state; }, decode_key_usage,
-                   "------>ZI_Cert_DecodeExtension_KeyUsage"},
-    KnownExtension{37, [](Certificate &c) -> auto & { return c.extended_key_usage.state; },
-                   decode_extended_key_usage, "------>ZI_Cert_DecodeExtension_ExtKeyUsage"},
-    KnownExtension{31, [](Certificate &c) -> auto & { return c.distribution_points.state; },
-                   decode_distribution_points,
-                   "------>ZI_Cert_DecodeExtension_CrlDistributionPoint"},
-    KnownExtension{17, [](Certificate &c) -> auto & { return c.subject_alternative_name.state; },
-                   decode_subject_alternative_name,
-                   "------>ZI_Cert_DecodeExtension_SubjectAltName"},
-    KnownExtension{18, [](Certificate &c) -> auto & { return c.issuer_alternative_name.state; },
-                   decode_issuer_alternative_name,
-                   "------>ZI_Cert_DecodeExtension_IssuerAltName"},
-};
+    KnownExtension{19, [](Certificate &c) -> auto &{return c.basic_constraints.state;
+}  // namespace
+, decode_basic_constraints, "------>ZI_Cert_DecodeExtension_BasicConstraint"
+}  // namespace za::cert
+, KnownExtension{35, [](Certificate &c) -> auto &{return c.authority_key_identifier.state;
+}
+, decode_authority_key_identifier, "------>ZI_Cert_DecodeExtension_AuthorityKeyIdentifyer"
+}
+, KnownExtension{14, [](Certificate &c) -> auto &{return c.subject_key_identifier.state;
+}
+, decode_subject_key_identifier, "------>ZI_Cert_DecodeExtension_SubjectKeyIdentifier"
+}
+, KnownExtension{15, [](Certificate &c) -> auto &{return c.key_usage.state;
+}
+, decode_key_usage, "------>ZI_Cert_DecodeExtension_KeyUsage"
+}
+, KnownExtension{37, [](Certificate &c) -> auto &{return c.extended_key_usage.state;
+}
+, decode_extended_key_usage, "------>ZI_Cert_DecodeExtension_ExtKeyUsage"
+}
+, KnownExtension{31, [](Certificate &c) -> auto &{return c.distribution_points.state;
+}
+, decode_distribution_points, "------>ZI_Cert_DecodeExtension_CrlDistributionPoint"
+}
+, KnownExtension{17, [](Certificate &c) -> auto &{return c.subject_alternative_name.state;
+}
+, decode_subject_alternative_name, "------>ZI_Cert_DecodeExtension_SubjectAltName"
+}
+, KnownExtension{18, [](Certificate &c) -> auto &{return c.issuer_alternative_name.state;
+}
+, decode_issuer_alternative_name, "------>ZI_Cert_DecodeExtension_IssuerAltName"
+}
+,
+}
+;
 
 const KnownExtension *find_known(Bytes oid) {
     constexpr std::array<uint8_t, 2> kCertificateExtensions{0x55, 0x1D};

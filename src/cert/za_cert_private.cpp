@@ -77,8 +77,7 @@ using za::cert::Certificate;
 using za::cert::PrivateArguments;
 
 uint32_t ZACert_SetCertAttributePrivate(void *ctx, const uint8_t *oid, int32_t oidLen,
-                                        uint32_t critical, const uint8_t *value,
-                                        int32_t valueLen) {
+                                        uint32_t critical, const uint8_t *value, int32_t valueLen) {
     return trace.exported([&] {
         const PrivateArguments arguments{oid, oidLen, critical, value, valueLen};
         ZA_PASS(za::cert::check(ctx, arguments));

@@ -29,12 +29,13 @@ uint32_t EnCodeThums(const char *algoOidText, uint32_t algoOidTextLen, const uin
     return trace.exported([&] {
         ZA_PASS(trace.need(algoOidText, thumb, outLen));
         if (thumbLen == 0) {
-            return trace.fail(Status::length, "------>ZACERT_LengthErr");
+            return trace.fail(Status::length);
         }
         za::Octets algorithm;
         Chain info;
         ZA_TRY(ZACert_GetOIDValue,
-               za::names::oid_from_text(za::names::dotted_text(algoOidText, algoOidTextLen), algorithm));
+               za::names::oid_from_text(za::names::dotted_text(algoOidText, algoOidTextLen),
+                                        algorithm));
         ZA_PASS(encode_digest_info(algorithm.bytes(), Bytes(thumb, thumbLen), info));
         za::hand_out(za::bytes_of(*info.head()), out, outLen);
         return Status::ok;

@@ -100,13 +100,13 @@ Bytes dotted_text(const char *text, uint32_t length) {
 
 Status oid_from_text(Bytes text, Octets &out) {
     if (text.empty() || text.front() == 0) {
-        return trace.fail(Status::general, "------>ZACERT_GeneralErr");
+        return trace.fail(Status::general);
     }
     size_t size = 0;
     const bool valid =
         each_subidentifier(text_of(text), [&](uint32_t number) { size += base128_octets(number); });
     if (!valid || size > kMostOidOctets) {
-        return trace.fail(Status::invalid_algorithm, "------>ZACERT_IvaliedAlgo");
+        return trace.fail(Status::invalid_algorithm);
     }
     Octets content;
     ZA_PASS(content.allocate(size));

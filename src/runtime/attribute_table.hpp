@@ -1,11 +1,11 @@
 // Attributes by number: a kind of object is a table of rows, and this engine is all that reads it.
 #pragma once
 
-#include <algorithm>
-#include <span>
-
 #include "runtime/bytes.hpp"
 #include "runtime/trace.hpp"
+
+#include <algorithm>
+#include <span>
 
 namespace za {
 
@@ -29,15 +29,15 @@ struct AttributeRow {
     Status (*get_int)(const Context &, uint32_t &) = nullptr;
 };
 
-#define ZA_ATTRIBUTE_TEXTS(identifier)                                             \
-    ::za::AttributeTexts {                                                         \
-        #identifier, "======>Set " #identifier, "======>Get " #identifier,         \
-            "======>Get " #identifier " LEN"                                       \
+#define ZA_ATTRIBUTE_TEXTS(identifier)                                     \
+    ::za::AttributeTexts {                                                 \
+#identifier, "======>Set " #identifier, "======>Get " #identifier, \
+            "======>Get " #identifier " LEN"                               \
     }
 
 template <class Context>
 class AttributeTable {
-  public:
+public:
     using Row = AttributeRow<Context>;
 
     constexpr explicit AttributeTable(std::span<const Row> rows) : rows_(rows) {}
@@ -92,7 +92,7 @@ class AttributeTable {
         return row->get_int(context, *out);
     }
 
-  private:
+private:
     const Row *find(int32_t id) const {
         const auto row = std::ranges::lower_bound(rows_, id, {}, &Row::id);
         return row != rows_.end() && row->id == id ? &*row : nullptr;

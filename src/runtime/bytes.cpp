@@ -1,8 +1,8 @@
 #include "runtime/bytes.hpp"
 
-#include <string.h>
-
 #include "runtime/trace.hpp"
+
+#include <string.h>
 
 namespace {
 
@@ -20,7 +20,7 @@ Status Octets::allocate(size_t size) {
                 ZAPR_Malloc(__FILE_NAME__, __LINE__, static_cast<uint32_t>(size)));
         }
         if (fresh.data_ == nullptr) {
-            return trace.fail(Status::memory, "------>ZAPR_Malloc");
+            return trace.fail(Status::memory);
         }
         fresh.size_ = size;
     }

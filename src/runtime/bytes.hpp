@@ -1,6 +1,10 @@
 // Octets: views of them, blocks that own them, and the one place where a length is narrowed.
 #pragma once
 
+#include <zacert.h>
+
+#include "runtime/status.hpp"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -10,10 +14,6 @@
 #include <string_view>
 #include <type_traits>
 #include <utility>
-
-#include <zacert.h>
-
-#include "runtime/status.hpp"
 
 namespace za {
 
@@ -54,7 +54,7 @@ constexpr uint32_t to_u32(uint64_t value) {
 
 // A block of the library's heap. Allocation failures leave it as it was.
 class Octets {
-  public:
+public:
     Octets() = default;
     Octets(Octets &&other) noexcept { swap(other); }
     Octets &operator=(Octets &&other) noexcept {
@@ -82,7 +82,7 @@ class Octets {
         std::swap(size_, other.size_);
     }
 
-  private:
+private:
     uint8_t *data_ = nullptr;
     size_t size_ = 0;
 };

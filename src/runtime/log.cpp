@@ -1,21 +1,20 @@
 // The exported log functions. They trace nothing themselves.
-#include <array>
-#include <charconv>
-
 #include <zacert.h>
 
 #include "runtime/bytes.hpp"
 #include "runtime/log_file.hpp"
 #include "runtime/trace.hpp"
 
+#include <array>
+#include <charconv>
+
 namespace {
 
-constexpr const char *kValueLog = ZACERT_LOG_DIR "/cert.log";
 constexpr size_t kDigits = 11;
 constexpr size_t kBytesPerLine = 16;
 
 const char *log_or_default(const char *path) {
-    return path == nullptr ? kValueLog : path;
+    return path == nullptr ? za::kValueLog : path;
 }
 
 std::string_view text_or_empty(const char *text) {
@@ -24,7 +23,7 @@ std::string_view text_or_empty(const char *text) {
 
 // Text for the log in a block whose size was reckoned before.
 class Builder {
-  public:
+public:
     bool reserve(uint64_t size) {
         return za::fits_u32(size) && block_.allocate(size) == za::Status::ok;
     }
@@ -47,7 +46,7 @@ class Builder {
     }
     std::string_view text() const { return za::text_of(block_.bytes().first(used_)); }
 
-  private:
+private:
     za::Octets block_;
     size_t used_ = 0;
 };

@@ -6,7 +6,7 @@
 namespace za {
 
 // The codes of the public table, and three results that stand outside it.
-enum class [[nodiscard]] Status : uint32_t {
+enum class [[nodiscard]] Status : uint32_t{
     ok = 0,
     unknown_selector = 1,
     memory = 100,

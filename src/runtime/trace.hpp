@@ -1,12 +1,12 @@
 // The trace: one line per event, and the macros that carry a failure upward, one line per level.
 #pragma once
 
-#include <cstdint>
-#include <string_view>
-
 #include <zacert.h>
 
 #include "runtime/status.hpp"
+
+#include <cstdint>
+#include <string_view>
 
 namespace za {
 
@@ -29,7 +29,7 @@ void write_trace(const char *source, uint32_t line, const TraceText &text) noexc
 
 // The family of source files that a line names. Every .cpp file that traces defines one `trace`.
 class TraceSource {
-  public:
+public:
     constexpr explicit TraceSource(const char *source) : source_(source) {}
 
     void note(const TraceText &text, uint32_t line = __builtin_LINE()) const noexcept {
@@ -42,11 +42,14 @@ class TraceSource {
         return status;
     }
 
+    // A condition that the function itself detects, told by the name of its code.
+    [[gnu::cold, gnu::noinline]] Status fail(Status status,
+                                             uint32_t line = __builtin_LINE()) const noexcept;
+
     // The arguments that must not be NULL.
     template <class... Pointers>
     Status need(Pointers... pointers) const noexcept {
-        return ((pointers != nullptr) && ...) ? Status::ok
-                                              : fail(Status::general, "------>ZACERT_GeneralErr");
+        return ((pointers != nullptr) && ...) ? Status::ok : fail(Status::general);
     }
 
     // The frame of an exported function called by the application: Begin, body, End on success.
@@ -67,33 +70,33 @@ class TraceSource {
         return static_cast<uint32_t>(body());
     }
 
-  private:
+private:
     const char *source_;
 };
 
 }  // namespace za
 
 // The body of an exported function failed: names that function, which must exist.
-#define ZA_TRY(exported_name, call)                                         \
-    do {                                                                    \
-        static_assert(sizeof(&::exported_name) != 0);                       \
+#define ZA_TRY(exported_name, call)                                                 \
+    do {                                                                            \
+        static_assert(sizeof(&::exported_name) != 0);                               \
         if (const ::za::Status za_status = (call); za_status != ::za::Status::ok) { \
-            return trace.fail(za_status, "------>" #exported_name);         \
-        }                                                                   \
+            return trace.fail(za_status, "------>" #exported_name);                 \
+        }                                                                           \
     } while (false)
 
 // As ZA_TRY with a text of its own.
-#define ZA_TRY_AS(text, call)                                               \
-    do {                                                                    \
+#define ZA_TRY_AS(text, call)                                                       \
+    do {                                                                            \
         if (const ::za::Status za_status = (call); za_status != ::za::Status::ok) { \
-            return trace.fail(za_status, text);                             \
-        }                                                                   \
+            return trace.fail(za_status, text);                                     \
+        }                                                                           \
     } while (false)
 
 // A helper of our own failed and has written its line already.
-#define ZA_PASS(call)                                                       \
-    do {                                                                    \
+#define ZA_PASS(call)                                                               \
+    do {                                                                            \
         if (const ::za::Status za_status = (call); za_status != ::za::Status::ok) { \
-            return za_status;                                               \
-        }                                                                   \
+            return za_status;                                                       \
+        }                                                                           \
     } while (false)

@@ -1,15 +1,13 @@
-#include <array>
-#include <charconv>
-#include <cstring>
-
 #include "runtime/bytes.hpp"
 #include "runtime/log_file.hpp"
 #include "runtime/trace.hpp"
 
+#include <array>
+#include <charconv>
+#include <cstring>
+
 namespace za {
 namespace {
-
-constexpr const char *kLogFile = ZACERT_LOG_DIR "/zacert.log";
 
 // Longer lines, which only an application's own texts can be, are put together on the heap.
 constexpr size_t kLineOnStack = 512;
@@ -28,8 +26,8 @@ void write_trace(const char *source, uint32_t line, const TraceText &text) noexc
     std::array<char, 10> digits;
     const char *digits_end = std::to_chars(digits.data(), digits.data() + digits.size(), line).ptr;
     const std::array<std::string_view, 8> pieces{
-        "File ",   source,    "; Line ", std::string_view(digits.data(), digits_end), " # ",
-        text.head, text.body, text.tail};
+        "File ", source,    "; Line ", std::string_view(digits.data(), digits_end),
+        " # ",   text.head, text.body, text.tail};
 
     size_t size = 1;
     for (const std::string_view piece : pieces) {
@@ -51,7 +49,7 @@ void write_trace(const char *source, uint32_t line, const TraceText &text) noexc
         assembled.add(piece);
     }
     assembled.add("\n");
-    append_to_file(kLogFile, {start, size});
+    append_to_file(kTraceLog, {start, size});
     ZAPR_Free(on_heap);
 }
 

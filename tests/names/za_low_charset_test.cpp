@@ -1,8 +1,8 @@
 #include <zacert.h>
 
-#include "bytes.hpp"
-#include "heap.hpp"
-#include "trace.hpp"
+#include "support/bytes.hpp"
+#include "support/heap.hpp"
+#include "support/trace.hpp"
 
 #include <array>
 #include <gtest/gtest.h>

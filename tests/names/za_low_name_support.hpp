@@ -3,7 +3,7 @@
 
 #include <zacert.h>
 
-#include "bytes.hpp"
+#include "support/bytes.hpp"
 
 #include <string>
 #include <vector>

@@ -2,8 +2,8 @@
 
 #include <zacert.h>
 
-#include "bytes.hpp"
-#include "heap.hpp"
+#include "support/bytes.hpp"
+#include "support/heap.hpp"
 
 #include <gtest/gtest.h>
 #include <string>

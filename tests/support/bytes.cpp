@@ -1,4 +1,4 @@
-#include "bytes.hpp"
+#include "support/bytes.hpp"
 
 #include <fstream>
 #include <iterator>

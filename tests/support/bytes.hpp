@@ -1,13 +1,13 @@
 // Octets in tests: written as hex, compared as hex.
 #pragma once
 
+#include <zacert.h>
+
 #include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <zacert.h>
 
 namespace za::test {
 

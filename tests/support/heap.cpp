@@ -1,11 +1,10 @@
 // Stands in the place of the library's own heap functions.
-#include "heap.hpp"
-
-#include <cstdlib>
-
-#include <gtest/gtest.h>
+#include "support/heap.hpp"
 
 #include <zacert.h>
+
+#include <cstdlib>
+#include <gtest/gtest.h>
 
 namespace za::test {
 namespace {
@@ -45,8 +44,7 @@ bool allocation_failed() {
     return failed;
 }
 
-void expect_allocation_faults_survived(const std::function<uint32_t()> &call,
-                                       uint32_t documented) {
+void expect_allocation_faults_survived(const std::function<uint32_t()> &call, uint32_t documented) {
     fail_allocation(0);
     const uint32_t undisturbed = call();
     for (size_t k = 1; k < kMostAllocations; ++k) {

@@ -19,22 +19,22 @@ HeapCount heap_count();  // since the process began
 void fail_allocation(size_t k);
 bool allocation_failed();
 
-// Runs `call` again and again, its first allocation failing, then its second, and so on until one run
-// meets no failure. Expects of each run the undisturbed result, or 100 (or `documented`), and that no
-// block is left over. `call` releases what it is handed; where it fails it must find its outputs
-// untouched and say so with an expectation of its own.
+// Runs `call` again and again, its first allocation failing, then its second, and so on until one
+// run meets no failure. Expects of each run the undisturbed result, or 100 (or `documented`), and
+// that no block is left over. `call` releases what it is handed; where it fails it must find its
+// outputs untouched and say so with an expectation of its own.
 void expect_allocation_faults_survived(const std::function<uint32_t()> &call,
                                        uint32_t documented = 100);
 
 // Fails the test when blocks are left over at the end of a scope.
 class NoLeak {
-  public:
+public:
     NoLeak();
     ~NoLeak();
     NoLeak(const NoLeak &) = delete;
     NoLeak &operator=(const NoLeak &) = delete;
 
-  private:
+private:
     size_t before_;
 };
 

@@ -1,5 +1,5 @@
 // Stands in the place of the library's own trace writer.
-#include "trace.hpp"
+#include "support/trace.hpp"
 
 #include "runtime/trace.hpp"
 
