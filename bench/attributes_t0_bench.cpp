@@ -1,23 +1,30 @@
 // Decoding a certificate and reading what an application usually wants to know of it.
-#include <array>
-
-#include <mbedtls/x509_crt.h>
-
 #include "certificates.hpp"
+
+#include <array>
+#include <mbedtls/x509_crt.h>
 
 namespace {
 
 constexpr size_t kBuffer = 8192;
 
 constexpr std::array kAttributes{
-    CERT_TBS_CERTIFICATE,           CERT_OUTER_SIGNATUREALGORITHM,
-    CERT_CA_SIGNATURE,              CERT_SERIALNUMBER,
-    CERT_INNER_SIGNATUREALGORITHM,  CERT_ISSUER_DERDN,
-    CERT_ISSUER_COMMONNAME,         CERT_SUBJECT_DERDN,
-    CERT_SUBJECT_ORGANIZATIONNAME,  CERT_SUBJECT_COMMONNAME,
-    CERT_PUBLICKEY_ALGORITHM,       CERT_SUBJECTPUBLICKEYINFO,
-    CERTEX_AUTHORITYKEYIDENTIFIER,  CERTEX_SUBJECTKEYIDENTIFIER,
-    CERTEX_KEYUSAGE,                CERTEX_AUTHORITY,
+    CERT_TBS_CERTIFICATE,
+    CERT_OUTER_SIGNATUREALGORITHM,
+    CERT_CA_SIGNATURE,
+    CERT_SERIALNUMBER,
+    CERT_INNER_SIGNATUREALGORITHM,
+    CERT_ISSUER_DERDN,
+    CERT_ISSUER_COMMONNAME,
+    CERT_SUBJECT_DERDN,
+    CERT_SUBJECT_ORGANIZATIONNAME,
+    CERT_SUBJECT_COMMONNAME,
+    CERT_PUBLICKEY_ALGORITHM,
+    CERT_SUBJECTPUBLICKEYINFO,
+    CERTEX_AUTHORITYKEYIDENTIFIER,
+    CERTEX_SUBJECTKEYIDENTIFIER,
+    CERTEX_KEYUSAGE,
+    CERTEX_AUTHORITY,
 };
 static_assert(kAttributes.size() == 16);
 
@@ -45,9 +52,9 @@ double ours() {
     });
 }
 
-// mbedTLS has getters for both names, the serial number, the signature algorithm and the key. What it
-// keeps as fields (version, validity, key usage, cA flag; tbs, signature and the names' DER as views)
-// is read where it stands, as its users do. It reads neither key identifier.
+// mbedTLS has getters for both names, the serial number, the signature algorithm and the key. What
+// it keeps as fields (version, validity, key usage, cA flag; tbs, signature and the names' DER as
+// views) is read where it stands, as its users do. It reads neither key identifier.
 void read_mbedtls(const mbedtls_x509_crt &certificate) {
     std::array<char, kBuffer> text;
     for (const mbedtls_x509_name *name : {&certificate.issuer, &certificate.subject}) {
@@ -58,10 +65,10 @@ void read_mbedtls(const mbedtls_x509_crt &certificate) {
     bench::check(mbedtls_x509_serial_gets(text.data(), text.size(), &certificate.serial) > 0,
                  "mbedtls_x509_serial_gets");
     benchmark::DoNotOptimize(text.data());
-    bench::check(mbedtls_x509_sig_alg_gets(text.data(), text.size(), &certificate.sig_oid,
-                                           certificate.sig_pk, certificate.sig_md,
-                                           certificate.sig_opts) > 0,
-                 "mbedtls_x509_sig_alg_gets");
+    bench::check(
+        mbedtls_x509_sig_alg_gets(text.data(), text.size(), &certificate.sig_oid,
+                                  certificate.sig_pk, certificate.sig_md, certificate.sig_opts) > 0,
+        "mbedtls_x509_sig_alg_gets");
     benchmark::DoNotOptimize(text.data());
     benchmark::DoNotOptimize(mbedtls_pk_get_name(&certificate.pk));
     benchmark::DoNotOptimize(mbedtls_pk_get_bitlen(&certificate.pk));

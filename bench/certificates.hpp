@@ -1,16 +1,15 @@
 // The machine's trusted certificates, and the handles of the libraries that decode them.
 #pragma once
 
-#include <cstdint>
-#include <memory>
-#include <vector>
-
-#include <openssl/pem.h>
-#include <openssl/x509.h>
-
 #include <zacert.h>
 
 #include "paired.hpp"
+
+#include <cstdint>
+#include <memory>
+#include <openssl/pem.h>
+#include <openssl/x509.h>
+#include <vector>
 
 namespace bench {
 

@@ -1,7 +1,7 @@
 // What decoding costs by itself, from creating the context to destroying it.
-#include <mbedtls/x509_crt.h>
-
 #include "certificates.hpp"
+
+#include <mbedtls/x509_crt.h>
 
 namespace {
 

@@ -1,5 +1,5 @@
-// The decoding call alone, with the trace it writes: both libraries' objects are created or destroyed
-// outside the measured part where the call leaves that to the caller.
+// The decoding call alone, with the trace it writes: both libraries' objects are created or
+// destroyed outside the measured part where the call leaves that to the caller.
 #include "certificates.hpp"
 #include "log.hpp"
 

@@ -1,13 +1,13 @@
 // The trace log of the library under test, and the system's own calls on it.
 #pragma once
 
-#include <fcntl.h>
-#include <string_view>
-#include <unistd.h>
-
 #include <zacert.h>
 
 #include "paired.hpp"
+
+#include <fcntl.h>
+#include <string_view>
+#include <unistd.h>
 
 namespace bench {
 

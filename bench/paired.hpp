@@ -1,16 +1,15 @@
-// Ours against another way of the same work, in pairs: each repetition measures both, one right after
-// the other, so that whatever else the machine does falls on both alike.
+// Ours against another way of the same work, in pairs: each repetition measures both, one right
+// after the other, so that whatever else the machine does falls on both alike.
 #pragma once
 
 #include <algorithm>
+#include <benchmark/benchmark.h>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
 #include <vector>
-
-#include <benchmark/benchmark.h>
 
 namespace bench {
 

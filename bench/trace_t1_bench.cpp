@@ -1,9 +1,9 @@
 // What a trace line costs beyond the system calls it cannot do without.
+#include "log.hpp"
+
 #include <fstream>
 #include <iterator>
 #include <string>
-
-#include "log.hpp"
 
 namespace {
 

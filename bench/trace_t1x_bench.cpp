@@ -1,5 +1,5 @@
-// What a trace line costs when its log cannot be opened: this program has a trace writer of its own,
-// compiled for a folder that does not exist.
+// What a trace line costs when its log cannot be opened: this program has a trace writer of its
+// own, compiled for a folder that does not exist.
 #include "log.hpp"
 
 namespace {
