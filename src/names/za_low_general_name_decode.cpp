@@ -7,6 +7,11 @@ constexpr za::TraceSource trace{".\\src\\za_low"};
 
 }  // namespace
 
+// Programs are linked against this layout.
+static_assert(sizeof(void *) != 8 ||
+              (sizeof(ZI_GeneralName) == 240 && offsetof(ZI_GeneralName, otherNameValue) == 32 &&
+               offsetof(ZI_GeneralName, directoryName) == 152));
+
 namespace za::names {
 namespace {
 

@@ -63,7 +63,12 @@ class Octets {
     }
     Octets(const Octets &) = delete;
     Octets &operator=(const Octets &) = delete;
-    ~Octets() { ZAPR_Free(data_); }
+    ~Octets() {
+        // Most fields of a context are empty when it goes: the call itself would be what costs.
+        if (data_ != nullptr) {
+            ZAPR_Free(data_);
+        }
+    }
 
     // Zero-filled; a size of 0 allocates nothing.
     Status allocate(size_t size);
