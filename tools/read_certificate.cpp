@@ -25,13 +25,22 @@ sys_seconds from_utc_time(uint32_t library_time) {
     return time < end_of_window ? time : time - (end_of_window - begin_of_window);
 }
 
+// The library gives the low 32 bits, which overflow within 2106, the last year it reads.
+sys_seconds from_generalized_time(uint32_t library_time, std::string_view text) {
+    constexpr std::chrono::seconds kOverflow{int64_t{1} << 32};
+    const sys_seconds time{std::chrono::seconds(library_time)};
+    const bool overflown =
+        text.size() == 15 && text.starts_with("2106") && time < sys_seconds(std::chrono::years(1));
+    return overflown ? time + kOverflow : time;
+}
+
 sys_seconds read_time(const Context &context, ZA_CertAttribute type, const Anybuf &element) {
     if (identifier_of(element) == ZA_DER_ID_UTCTIME) {
         return from_utc_time(context.number(type));
     }
     int32_t time = 0;
     check(ZAsn1_ReadGeneralizedTime(&element, &time));
-    return sys_seconds(std::chrono::seconds(static_cast<uint32_t>(time)));
+    return from_generalized_time(static_cast<uint32_t>(time), text_of(content(element)));
 }
 
 NamedId algorithm_of(const Context &context, ZA_CertAttribute type) {

@@ -111,12 +111,16 @@ class Certificates(ShowTest):
                 self.agree(self.make.certificate(*arguments))
 
     def test_years(self):
-        """Two-digit years from 50 on are of the last century. Nobody looks at the signature."""
-        utc_times = re.findall(rb"\x17\x0d(\d{12}Z)", self.small_der)
-        self.assertEqual(len(utc_times), 2)
-        for year in (b"49", b"50", b"69", b"70", b"99"):
-            with self.subTest(year=year):
-                changed = self.small_der.replace(utc_times[0], year + b"0304050607Z")
+        """The ends of every window of years. Nobody looks at the signature."""
+        late = self.make.der(self.make.certificate("-days", "20000"))
+        utc_time = re.search(rb"\x17\x0d(\d{12}Z)", late)[1]
+        generalized_time = re.search(rb"\x18\x0f(\d{14}Z)", late)[1]
+        rows = [(utc_time, year + b"0304050607Z") for year in (b"49", b"50", b"69", b"70", b"99")]
+        rows += [(generalized_time, time) for time in (b"19700101000000Z", b"21060207062815Z",
+                                                       b"21060207062816Z", b"21061231235959Z")]
+        for old, new in rows:
+            with self.subTest(new):
+                changed = late.replace(old, new)
                 certificate = self.shown(self.make.pem(changed))
                 self.assertEqual(oracle.differences(oracle.by_openssl(changed, "DER"),
                                                     oracle.by_tool(certificate)), [])
