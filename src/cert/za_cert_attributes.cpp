@@ -112,10 +112,12 @@ Status get_units(Certificate &cert, const Row &row, Bytes &out) {
     Octets joined;
     ZA_PASS(joined.allocate(size));
     uint8_t *place = joined.data();
+    bool is_first = true;
     for (auto *entry = name.entries.first(); entry != nullptr; entry = entry->nextEntry) {
         if (entry->attrKind == row.kind) {
-            place = place == joined.data() ? place : put(place, bytes_of(kJoint));
+            place = put(place, bytes_of(is_first ? std::string_view() : kJoint));
             place = put(place, bytes_of(entry->attrValue));
+            is_first = false;
         }
     }
     name.joined_units.take(std::move(joined));
