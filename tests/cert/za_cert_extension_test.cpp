@@ -26,15 +26,6 @@ const KnownExtension kKnown[] = {
     {200, "Private", ZI_Cert_DecodeExtension_Private},
 };
 
-Decoder decoder_of(uint8_t last_arc) {
-    for (const KnownExtension &known : kKnown) {
-        if (known.last_arc == last_arc) {
-            return known.decode;
-        }
-    }
-    return nullptr;
-}
-
 Octets oid(uint8_t last_arc) {
     return last_arc < 128 ? Octets{0x06, 3, 0x55, 0x1D, last_arc} : from_hex("06 03 2A 03 04");
 }
@@ -53,84 +44,24 @@ uint32_t decode_chain(Decoder decode, const Octets &sequence, const Context &cer
     return result;
 }
 
-struct ValueRow {
-    uint8_t last_arc;
-    const char *value;
-    uint32_t result;
-    std::vector<std::pair<int32_t, const char *>> attributes;
-};
-
-const ValueRow kValues[] = {
-    {19, "30 00", 0, {{119, "FF"}, {120, "00"}, {121, ""}}},
-    {19, "30 03 01 01 00", 0, {{120, "00"}, {121, ""}}},
-    {19, "30 06 01 01 FF 02 01 00", 0, {{120, "FF"}, {121, "00"}}},
-    {19, "30 04 02 02 00 80", 0, {{120, "00"}, {121, "80"}}},
-    {19, "30 07 01 01 01 02 02 01 00", 0, {{120, "01"}, {121, "01 00"}}},
-    {19, "30 02 01 00", 101, {{119, ""}, {120, ""}}},
-    {19, "02 01 05", 108, {{119, ""}, {120, ""}}},
-    {35, "30 00", 0, {{65, ""}}},
-    {35, "30 0A 82 01 05 80 02 01 02 80 01 03", 0, {{65, "01 02"}}},
-    {35, "30 02 80 00", 0, {{65, ""}}},
-    {35, "30 06 A1 04 A4 02 31 00", 108, {{65, ""}}},
-    {35, "30 03 80 02 01", 101, {{65, ""}}},
-    {14, "04 00", 0, {{85, ""}}},
-    {14, "04 02 00 01", 0, {{85, "00 01"}}},
-    {14, "04 02 01", 102, {{85, ""}}},
-    {15, "03 02 01 86", 0, {{86, "FF"}, {87, "86"}}},
-    {15, "03 01 00", 0, {{86, "FF"}, {87, ""}}},
-    {15, "03 04 00 01 02 03", 0, {{87, "01 02 03"}}},
-    {15, "03 00", 101, {{86, ""}, {87, ""}}},
-    {37, "30 00", 0, {{129, "00 00 00 00"}}},
-    {37, "30 0A 06 08 2B 06 01 05 05 07 03 01", 0, {{129, "40 00 00 00"}}},
-    {37, "30 0A 06 08 2B 06 01 05 05 07 03 02", 0, {{129, "80 00 00 00"}}},
-    {37, "30 0A 06 08 2B 06 01 05 05 07 03 03", 0, {{129, "00 01 00 00"}}},
-    {37, "30 0A 06 08 2B 06 01 05 05 07 03 04", 0, {{129, "00 02 00 00"}}},
-    {37, "30 0A 06 08 2B 06 01 05 05 07 03 05", 0, {{129, "00 04 00 00"}}},
-    {37, "30 0A 06 08 2B 06 01 05 05 07 03 06", 0, {{129, "00 08 00 00"}}},
-    {37, "30 0A 06 08 2B 06 01 05 05 07 03 07", 0, {{129, "00 10 00 00"}}},
-    {37,
-     "30 14 06 08 2B 06 01 05 05 07 03 08 06 08 2B 06 01 05 05 07 03 01",
-     0,
-     {{129, "40 20 00 00"}}},
-    {37, "30 0D 06 00 06 09 2B 06 01 05 05 07 03 01 01", 0, {{129, "00 00 00 00"}}},
-    {31, "30 00", 0, {{131, ""}}},
-    // Reasons alone, a name relative to the issuer, a directory name; then "x" and, too late, "y".
-    {31,
-     "30 2A 30 04 81 02 01 02 30 06 A0 04 A1 02 31 00 30 08 A0 06 A0 04 A4 02 30 00 "
-     "30 07 A0 05 A0 03 86 01 78 30 07 A0 05 A0 03 86 01 79",
-     0,
-     {{131, "78"}}},
-    {31, "30 02 05 00", 108, {{131, ""}}},
-    {17, "30 00", 0, {{504, ""}, {505, ""}, {509, ""}, {510, ""}, {106, ""}, {107, ""}}},
-    {17,
-     "30 0F 82 01 61 82 01 62 81 01 63 86 01 64 87 01 7F",
-     0,
-     {{504, "63"}, {505, "61"}, {509, "64"}, {510, "7F"}}},
-    {17, "30 02 82 01", 101, {{505, ""}}},
-    {18,
-     "30 15 82 01 61 A4 10 30 0E 31 0C 30 0A 06 03 55 04 03 0C 03 41 42 43",
-     0,
-     {{114, "41 42 43"}, {115, ""}, {505, ""}, {106, ""}}},
-};
-
 TEST(CertificateExtension, ValuesReadAsTheyStand) {
-    for (const ValueRow &row : kValues) {
-        SCOPED_TRACE(std::to_string(row.last_arc) + ": " + row.value);
+    for (const Row &row : rows_of("extension_values")) {
+        SCOPED_TRACE(row[0] + ": " + row[1]);
         const NoLeak no_leak;
-        const Octets der = extension(row.last_arc, from_hex("01 01 FF"), from_hex(row.value));
-        const Context cert;
-        EXPECT_EQ(decode_chain(decoder_of(row.last_arc), der, cert), row.result);
-        for (const auto &[id, value] : row.attributes) {
-            EXPECT_EQ(cert.hex(id), value) << id;
-        }
-
-        // The same through the list of a certificate.
+        const auto last_arc = static_cast<uint8_t>(number(row[0]));
+        const Octets der = extension(last_arc, from_hex("01 01 FF"), from_hex(row[1]));
         Parts parts("rsa_v1");
         parts.extensions = {der};
+        const Context alone;
         const Context whole;
-        EXPECT_EQ(whole.decode(parts.der()), row.result);
-        for (const auto &[id, value] : row.attributes) {
-            EXPECT_EQ(whole.hex(id), value) << id;
+        const auto known = std::ranges::find(kKnown, last_arc, &KnownExtension::last_arc);
+        EXPECT_EQ(decode_chain(known->decode, der, alone), number(row[2]));
+        EXPECT_EQ(whole.decode(parts.der()), number(row[2]));
+        for (size_t i = 3; i < row.size(); ++i) {
+            const size_t equals = row[i].find('=');
+            const int32_t id = std::stoi(row[i].substr(0, equals));
+            EXPECT_EQ(alone.hex(id), row[i].substr(equals + 1)) << id;
+            EXPECT_EQ(whole.hex(id), row[i].substr(equals + 1)) << id;
         }
     }
 }
@@ -209,28 +140,11 @@ TEST(CertificateExtension, OthersAreKeptInOrderWhateverTheirCriticality) {
     const NoLeak no_leak;
     const Context cert;
     ASSERT_EQ(cert.decode(parts.der()), 0u);
-    const struct {
-        const char *oid;
-        uint32_t critical;
-        const char *value;
-    } rows[] = {
-        {"55 1D 20", 255, "30 00"}, {"55 1D 0E 01", 0, "AA"}, {"55 1D 20", 0, ""}, {"", 0, "BB"}};
-    ASSERT_EQ(cert.count_private(), std::size(rows));
-    for (uint32_t i = 0; i < std::size(rows); ++i) {
-        uint8_t oid[8];
-        uint8_t value[8];
-        uint32_t index = i + 1;
-        uint32_t oid_len = 0;
-        uint32_t value_len = 0;
-        uint32_t critical = 7;
-        EXPECT_EQ(ZACert_GetCertAttributePrivate(cert, &index, oid, &oid_len, &critical, value,
-                                                 &value_len),
-                  0u);
-        EXPECT_EQ(to_hex({oid, oid_len}), rows[i].oid);
-        EXPECT_EQ(to_hex({value, value_len}), rows[i].value);
-        EXPECT_EQ(critical, rows[i].critical);
-        EXPECT_EQ(index, i + 1);
-    }
+    ASSERT_EQ(cert.count_private(), 4u);
+    EXPECT_EQ(cert.private_extension(1), "551D20 255 3000");
+    EXPECT_EQ(cert.private_extension(2), "551D0E01 0 AA");
+    EXPECT_EQ(cert.private_extension(3), "551D20 0 ");
+    EXPECT_EQ(cert.private_extension(4), " 0 BB");
 }
 
 TEST(CertificatePrivate, IndexOutsideTheListCounts) {
@@ -249,17 +163,8 @@ TEST(CertificatePrivate, IndexOutsideTheListCounts) {
         EXPECT_EQ(index, 2u);
         EXPECT_EQ(len, 7u);
     }
-    const std::pair<uint32_t, uint32_t> rows[] = {{1, 255}, {2, 0}};  // the low octet counts
-    for (const auto &[index, critical] : rows) {
-        uint32_t position = index;
-        uint32_t found = 7;
-        uint32_t value_len = 0;
-        EXPECT_EQ(ZACert_GetCertAttributePrivate(cert, &position, nullptr, &len, &found, nullptr,
-                                                 &value_len),
-                  0u);
-        EXPECT_EQ(found, critical);
-        EXPECT_EQ(value_len, index);
-    }
+    EXPECT_EQ(cert.private_extension(1), "2A03 255 2A") << "the low octet of criticality counts";
+    EXPECT_EQ(cert.private_extension(2), "2A03 0 2A03");
     uint32_t index = 1;
     EXPECT_EQ(ZACert_GetCertAttributePrivate(nullptr, &index, nullptr, &len, &len, nullptr, &len),
               108u);
@@ -269,19 +174,6 @@ TEST(CertificatePrivate, IndexOutsideTheListCounts) {
               108u);
 }
 
-struct TypedRow {
-    uint32_t type;
-    const char *value;
-    uint32_t result;
-    const char *stored;
-};
-
-const TypedRow kTyped[] = {
-    {19, "41 42", 0, "13 02 41 42"},      {12, "41 D6 D0", 0, "0C 04 41 E4 B8 AD"},
-    {4, "41 D6 D0", 0, "04 03 41 D6 D0"}, {22, "41", 0, "04 01 41"},
-    {0xFFFFFFFF, "41", 0, "04 01 41"},    {12, "D6", 0xFFFFFFFF, nullptr},
-};
-
 uint32_t set_typed(void *cert, const Octets &value, uint32_t type) {
     const uint8_t oid[] = {0x2A, 3};
     return ZACert_SetCertAttributePrivate_ForValue(cert, oid, 2, 1, value.data(),
@@ -289,24 +181,20 @@ uint32_t set_typed(void *cert, const Octets &value, uint32_t type) {
 }
 
 TEST(CertificatePrivate, ValuesAreEncodedByType) {
-    for (const TypedRow &row : kTyped) {
-        SCOPED_TRACE(row.value);
-        const NoLeak no_leak;
-        const Octets value = from_hex(row.value);
-        const Context cert;
-        EXPECT_EQ(set_typed(cert, value, row.type), row.result);
-        ASSERT_EQ(cert.count_private(), row.stored == nullptr ? 0u : 1u);
-        EXPECT_EQ(cert->extensions_changed, row.stored != nullptr);
-        if (row.stored != nullptr) {
-            EXPECT_EQ(to_hex(cert->private_extensions.front().value.bytes()), row.stored);
-            expect_allocation_faults_survived([&] {
-                cert::Certificate fresh;
-                const uint32_t result = set_typed(&fresh, value, row.type);
-                EXPECT_EQ(fresh.private_extensions.size(), result == 0 ? 1u : 0u);
-                EXPECT_EQ(fresh.extensions_changed, result == 0);
-                return result;
-            });
-        }
+    for (const Row &row : rows_of("typed_values")) {
+        SCOPED_TRACE(row[1]);
+        const auto call = [&] {
+            cert::Certificate cert;
+            const uint32_t result = set_typed(&cert, from_hex(row[1]), number(row[0]));
+            const bool is_kept = !cert.private_extensions.empty();
+            EXPECT_EQ(is_kept, result == 0);
+            EXPECT_EQ(cert.extensions_changed, result == 0);
+            EXPECT_EQ(is_kept ? to_hex(cert.private_extensions.front().value.bytes()) : row[3],
+                      row[3]);
+            return result;
+        };
+        EXPECT_EQ(call(), number(row[2]));
+        expect_allocation_faults_survived(call);
     }
 }
 
@@ -324,33 +212,21 @@ TEST(CertificatePrivate, OverlongUtf8SourceIsLeftOutSilently) {
 
 TEST(CertificatePrivate, SettersLookAtTheirArguments) {
     const Context cert;
-    const uint8_t octet = 1;
-    const struct {
-        void *cert;
-        const uint8_t *oid;
-        int32_t oid_len;
-        const uint8_t *value;
-        int32_t value_len;
-        uint32_t result;
-        const char *failure;
-    } rows[] = {
-        {nullptr, &octet, 1, &octet, 1, 108, "------>ZACERT_GeneralErr"},
-        {cert, nullptr, 1, &octet, 1, 108, "------>ZACERT_GeneralErr"},
-        {cert, &octet, 1, nullptr, 1, 108, "------>ZACERT_GeneralErr"},
-        {cert, &octet, 0, &octet, 1, 101, "------>ZACert_SetCertAttributePrivate  Err"},
-        {cert, &octet, 1, &octet, -1, 101, "------>ZACert_SetCertAttributePrivate  Err"},
-    };
-    for (const auto &row : rows) {
+    const uint8_t one = 1;
+    const auto refused = [&](void *ctx, const uint8_t *oid, int32_t oid_len, const uint8_t *value,
+                             int32_t value_len, uint32_t result, const char *failure) {
         const TraceRecord trace;
-        EXPECT_EQ(ZACert_SetCertAttributePrivate(row.cert, row.oid, row.oid_len, 0, row.value,
-                                                 row.value_len),
-                  row.result);
-        EXPECT_EQ(ZACert_SetCertAttributePrivate_ForValue(row.cert, row.oid, row.oid_len, 0,
-                                                          row.value, row.value_len, 4),
-                  row.result);
-        EXPECT_EQ(trace.failures(), (Lines{row.failure, row.failure}));
-    }
-    EXPECT_EQ(cert.count_private(), 0u);
+        EXPECT_EQ(ZACert_SetCertAttributePrivate(ctx, oid, oid_len, 0, value, value_len), result);
+        EXPECT_EQ(
+            ZACert_SetCertAttributePrivate_ForValue(ctx, oid, oid_len, 0, value, value_len, 4),
+            result);
+        EXPECT_EQ(trace.failures(), (Lines{failure, failure}));
+    };
+    refused(nullptr, &one, 1, &one, 1, 108, "------>ZACERT_GeneralErr");
+    refused(cert, nullptr, 1, &one, 1, 108, "------>ZACERT_GeneralErr");
+    refused(cert, &one, 1, nullptr, 1, 108, "------>ZACERT_GeneralErr");
+    refused(cert, &one, 0, &one, 1, 101, "------>ZACert_SetCertAttributePrivate  Err");
+    refused(cert, &one, 1, &one, -1, 101, "------>ZACert_SetCertAttributePrivate  Err");
     EXPECT_FALSE(cert->extensions_changed);
 }
 

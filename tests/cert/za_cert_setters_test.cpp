@@ -3,6 +3,8 @@
 #include "support/trace.hpp"
 #include "za_cert_support.hpp"
 
+#include <map>
+
 namespace za::test {
 namespace {
 
@@ -10,99 +12,55 @@ using cert::Certificate;
 using cert::ExtensionState;
 
 template <auto Extension>
-ExtensionState &state_of(const Context &context) {
-    return ((*context).*Extension).state;
+ExtensionState &state_of(Certificate &cert) {
+    return (cert.*Extension).state;
 }
 
-struct ExtensionRow {
-    int32_t critical_id;  // 0: none
-    int32_t value_id;
-    const char *value;
-    ExtensionState &(*state)(const Context &);
-    enum { kCleared, kRaised, kKept } criticality;
-    bool once;
-    bool sets;  // marks the extension as set
+const std::map<std::string, ExtensionState &(*)(Certificate &)> kStates{
+    {"AKI", state_of<&Certificate::authority_key_identifier>},
+    {"SKI", state_of<&Certificate::subject_key_identifier>},
+    {"KU", state_of<&Certificate::key_usage>},
+    {"EKU", state_of<&Certificate::extended_key_usage>},
+    {"CP", state_of<&Certificate::policies>},
+    {"SAN", state_of<&Certificate::subject_alternative_name>},
+    {"IAN", state_of<&Certificate::issuer_alternative_name>},
+    {"BC", state_of<&Certificate::basic_constraints>},
+    {"CDP", state_of<&Certificate::distribution_points>},
+    {"AIA", state_of<&Certificate::information_access>},
 };
-
-constexpr auto kAki = state_of<&Certificate::authority_key_identifier>;
-constexpr auto kSki = state_of<&Certificate::subject_key_identifier>;
-constexpr auto kUsage = state_of<&Certificate::key_usage>;
-constexpr auto kPurposes = state_of<&Certificate::extended_key_usage>;
-constexpr auto kPolicies = state_of<&Certificate::policies>;
-constexpr auto kSan = state_of<&Certificate::subject_alternative_name>;
-constexpr auto kIan = state_of<&Certificate::issuer_alternative_name>;
-constexpr auto kBasic = state_of<&Certificate::basic_constraints>;
-constexpr auto kPoints = state_of<&Certificate::distribution_points>;
-constexpr auto kAccess = state_of<&Certificate::information_access>;
-
-const ExtensionRow kExtensionRows[] = {
-    {64, 65, "kid", kAki, ExtensionRow::kCleared, true, true},
-    {64, 537, "sn", kAki, ExtensionRow::kKept, false, true},
-    {64, 538, "DE", kAki, ExtensionRow::kKept, false, true},
-    {64, 545, "q", kAki, ExtensionRow::kKept, false, true},
-    {84, 85, "kid", kSki, ExtensionRow::kCleared, true, true},
-    {86, 87, "\x86", kUsage, ExtensionRow::kRaised, true, true},
-    {91, 92, "\x2A\x03", kPolicies, ExtensionRow::kKept, false, true},
-    {91, 93, "http://cps", kPolicies, ExtensionRow::kKept, false, false},
-    {512, 101, "DE", kSan, ExtensionRow::kKept, false, true},
-    {512, 107, "a@b", kSan, ExtensionRow::kKept, false, true},
-    {512, 501, "1.2.3", kSan, ExtensionRow::kKept, false, true},
-    {512, 502, "value", kSan, ExtensionRow::kKept, false, true},
-    {512, 504, "a@b", kSan, ExtensionRow::kKept, true, true},
-    {512, 505, "host", kSan, ExtensionRow::kKept, true, true},
-    {512, 509, "x:y", kSan, ExtensionRow::kKept, true, true},
-    {512, 510, "\x7F\x01\x01\x01", kSan, ExtensionRow::kKept, false, true},
-    {0, 109, "DE", kIan, ExtensionRow::kKept, false, true},
-    {0, 115, "a@b", kIan, ExtensionRow::kKept, false, true},
-    {119, 120, "\x01", kBasic, ExtensionRow::kRaised, false, true},
-    {119, 121, "\x02", kBasic, ExtensionRow::kKept, false, true},
-    {128, 129, "\x40", kPurposes, ExtensionRow::kCleared, true, true},
-    {128, 155, "1.2.3", kPurposes, ExtensionRow::kKept, false, true},
-    {130, 131, "x:y", kPoints, ExtensionRow::kCleared, false, true},
-    {135, 136, "x:y", kAccess, ExtensionRow::kKept, false, true},
-    {135, 137, "x:y", kAccess, ExtensionRow::kKept, false, true},
-};
-
-int after_value(const ExtensionRow &row, int before) {
-    return row.criticality == ExtensionRow::kKept ? before
-                                                  : row.criticality == ExtensionRow::kRaised;
-}
-
-TEST(CertificateExtensions, DefaultCriticalityIsThatOfTheExtension) {
-    for (const ExtensionRow &row : kExtensionRows) {
-        SCOPED_TRACE(row.value_id);
-        const Context cert;
-        EXPECT_EQ(cert.set(row.value_id, row.value), 0u);
-        EXPECT_EQ(row.state(cert).critical, after_value(row, 0));
-        EXPECT_EQ(row.state(cert).set, row.sets);
-        EXPECT_TRUE(cert->extensions_changed);
-    }
-}
 
 TEST(CertificateExtensions, CriticalityCountsWhenSetAfterTheValue) {
-    for (const ExtensionRow &row : kExtensionRows) {
+    for (const Row &row : rows_of("criticality")) {
+        const auto state = kStates.at(row[0]);
+        const int32_t critical_id = std::stoi(row[1]);
+        const int32_t value_id = std::stoi(row[2]);
+        const bool is_once = row[5] == "once";
+        const bool marks = critical_id == CERTEX_BASICCONSTRAINTS_CRITICAL;
+        const auto after_value = [&](uint32_t before) {
+            return row[4] == "kept" ? before : number(row[4]);
+        };
         for (const uint8_t critical : {uint8_t{0}, uint8_t{1}, uint8_t{0x5A}}) {
-            if (row.critical_id == 0) {
-                continue;
-            }
-            SCOPED_TRACE(std::to_string(row.value_id) + " " + std::to_string(critical));
-            const Octets value{critical, 0xEE};
+            SCOPED_TRACE(row[2] + " " + std::to_string(critical));
+            const Octets octets{critical, 0xEE};  // the first octet counts
             const Context before;
-            const bool marks = row.critical_id == CERTEX_BASICCONSTRAINTS_CRITICAL;
-            EXPECT_EQ(before.set(row.critical_id, value), 0u);
-            EXPECT_EQ(row.state(before).critical, critical);
-            EXPECT_EQ(row.state(before).set, marks);
+            EXPECT_EQ(before.set(critical_id, octets), critical_id == 0 ? 110u : 0u);
+            const uint32_t kept = critical_id == 0 ? 0 : critical;
+            EXPECT_EQ(state(*before).critical, kept);
+            EXPECT_EQ(state(*before).set, marks);
             EXPECT_EQ(before->extensions_changed, marks);
-            EXPECT_EQ(before.set(row.value_id, row.value), 0u);
-            EXPECT_EQ(row.state(before).critical, after_value(row, critical));
+            EXPECT_EQ(before.set(value_id, row[3]), 0u);
+            EXPECT_EQ(state(*before).critical, after_value(kept));
 
             const Context after;
-            EXPECT_EQ(after.set(row.value_id, row.value), 0u);
-            EXPECT_EQ(after.set(row.critical_id, value), 0u);
-            EXPECT_EQ(row.state(after).critical, critical);
+            EXPECT_EQ(after.set(value_id, row[3]), 0u);
+            EXPECT_EQ(state(*after).critical, after_value(0)) << "by default";
+            EXPECT_EQ(state(*after).set, row[6] == "set");
+            EXPECT_TRUE(after->extensions_changed);
+            after.set(critical_id, octets);
+            EXPECT_EQ(state(*after).critical, kept);
             // A second value counts like the first; a refused one changes nothing.
-            EXPECT_EQ(after.set(row.value_id, row.value), row.once ? 114u : 0u);
-            EXPECT_EQ(row.state(after).critical, row.once ? critical : after_value(row, critical));
+            EXPECT_EQ(after.set(value_id, row[3]), is_once ? 114u : 0u);
+            EXPECT_EQ(state(*after).critical, is_once ? kept : after_value(kept));
         }
     }
 }
@@ -122,17 +80,14 @@ TEST(CertificateExtensions, BooleansReadAsTheyWereSet) {
 }
 
 TEST(CertificateExtensions, KeyUsageCountsItsUnusedBits) {
-    const struct {
-        Octets value;
-        uint32_t unused;
-    } rows[] = {{{0x01}, 0}, {{0x02}, 1}, {{0x04}, 2},       {{0x08}, 3},
-                {{0x10}, 4}, {{0x20}, 5}, {{0x40}, 6},       {{0x80}, 7},
-                {{0x86}, 1}, {{0x00}, 0}, {{0x00, 0x80}, 7}, {{0xFF, 0xFF}, 7}};
-    for (const auto &row : rows) {
-        const Context cert;
-        EXPECT_EQ(cert.set(CERTEX_KEYUSAGE, row.value), 0u);
-        EXPECT_EQ(cert->key_usage.unused_bits, row.unused) << to_hex(row.value);
-        EXPECT_EQ(cert.get(CERTEX_KEYUSAGE), row.value);
+    const std::pair<Octets, uint32_t> rows[] = {
+        {{0x01}, 0}, {{0x02}, 1}, {{0x04}, 2}, {{0x08}, 3}, {{0x10}, 4},       {{0x20}, 5},
+        {{0x40}, 6}, {{0x80}, 7}, {{0x86}, 1}, {{0x00}, 0}, {{0x00, 0x80}, 7}, {{0xFF, 0xFF}, 7}};
+    for (const auto &[value, unused_bits] : rows) {
+        const Context usage;
+        EXPECT_EQ(usage.set(CERTEX_KEYUSAGE, value), 0u);
+        EXPECT_EQ(usage->key_usage.unused_bits, unused_bits) << to_hex(value);
+        EXPECT_EQ(usage.get(CERTEX_KEYUSAGE), value);
     }
     const Context cert;
     EXPECT_EQ(cert.set(CERTEX_KEYUSAGE, Octets{0x80, 0x40, 0x20}), 114u);
@@ -192,49 +147,28 @@ TEST(CertificateSetters, ListsKeepTheOrderOfCalls) {
     EXPECT_EQ((++method)->method, cert::AccessMethod::ca_issuers);
 }
 
-// The identifiers of one kind in issuer, subject, both alternative names and the issuer of the AKI.
-struct EntryRow {
-    uint32_t kind;
-    int32_t ids[5];
-    const char *oid;
-};
-
-const EntryRow kEntries[] = {
-    {25, {9, 33, 101, 109, 538}, "55 04 06"},
-    {27, {10, 34, 102, 110, 539}, "55 04 08"},
-    {26, {11, 35, 103, 111, 540}, "55 04 07"},
-    {29, {12, 36, 104, 112, 541}, "55 04 0A"},
-    {30, {13, 37, 105, 113, 542}, "55 04 0B"},
-    {22, {14, 38, 106, 114, 543}, "55 04 03"},
-    {13, {15, 39, 107, 115, 544}, "2A 86 48 86 F7 0D 01 09 01"},
-    {34, {16, 40, 0, 0, 0}, "55 04 10"},
-    {35, {17, 41, 0, 0, 0}, "55 04 11"},
-    {38, {18, 42, 0, 0, 0}, "55 04 14"},
-    {53, {534, 533, 0, 0, 545}, "55 04 2E"},
-};
-
 TEST(CertificateSetters, NameEntriesHaveTheirKindsAndLists) {
-    for (const EntryRow &row : kEntries) {
-        for (size_t list = 0; list < std::size(row.ids); ++list) {
-            const int32_t id = row.ids[list];
-            if (id == 0) {
+    for (const Row &row : rows_of("name_entries")) {
+        for (size_t list = 0; list < 5; ++list) {
+            const std::string &id = row[2 + list];
+            if (id.empty()) {
                 continue;
             }
             SCOPED_TRACE(id);
             const Context cert;
-            EXPECT_EQ(cert.set(id, "A"), 0u);
-            EXPECT_EQ(cert.set(id, "B"), 0u);
+            EXPECT_EQ(cert.set(std::stoi(id), "A"), 0u);
+            EXPECT_EQ(cert.set(std::stoi(id), "B"), 0u);
             const names::NameList *lists[] = {&cert->issuer.entries, &cert->subject.entries,
                                               &cert->subject_alternative_name.directory,
                                               &cert->issuer_alternative_name.directory,
                                               &cert->authority_key_identifier.issuer};
-            const std::string type = id == 41 || id == 42 || id == 533 ? " 19 " : " 0 ";
-            const std::string head = std::to_string(row.kind) + type;
+            const bool is_printable = id == "41" || id == "42" || id == "533";
+            const std::string head = row[0] + (is_printable ? " 19 " : " 0 ");
             for (size_t i = 0; i < std::size(lists); ++i) {
                 EXPECT_EQ(describe_entries(lists[i]->first()),
                           i == list ? head + "41; " + head + "42" : "");
             }
-            EXPECT_EQ(to_hex(&lists[list]->first()->attrOid), row.oid);
+            EXPECT_EQ(to_hex(&lists[list]->first()->attrOid), row[1]);
         }
     }
 }

@@ -4,8 +4,8 @@
 #include "cert/za_cert_context.hpp"
 #include "support/bytes.hpp"
 
+#include <fstream>
 #include <gtest/gtest.h>
-#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -20,8 +20,41 @@ inline Octets certificate(const std::string &name) {
     return read_file(ZACERT_TEST_DATA "/certs/" + name + ".der");
 }
 
+// Rows of data: fields between bars; "#" begins a line of comment.
+using Row = std::vector<std::string>;
+
+inline std::vector<Row> rows_of(const std::string &name) {
+    std::ifstream file(ZACERT_TEST_DATA "/certs/rows/" + name);
+    std::vector<Row> rows;
+    for (std::string line; std::getline(file, line);) {
+        if (line[0] == '#') {
+            continue;
+        }
+        rows.emplace_back();
+        for (size_t bar = 0; bar != std::string::npos;) {
+            bar = line.find('|');
+            const std::string field = line.substr(0, bar);
+            const size_t first = std::min(field.find_first_not_of(' '), field.size());
+            rows.back().push_back(field.substr(first, field.find_last_not_of(' ') + 1 - first));
+            line.erase(0, bar == std::string::npos ? bar : bar + 1);
+        }
+    }
+    EXPECT_FALSE(rows.empty()) << name;
+    return rows;
+}
+
+inline uint32_t number(const std::string &field) {
+    return static_cast<uint32_t>(std::stoul(field));
+}
+
 inline Octets octets_of(std::string_view text) {
     return Octets(text.begin(), text.end());
+}
+
+inline std::string plain_hex(std::span<const uint8_t> octets) {
+    std::string hex = to_hex(octets);
+    std::erase(hex, ' ');
+    return hex;
 }
 
 class Context {
@@ -61,6 +94,22 @@ class Context {
                                                  nullptr, nullptr),
                   0u);
         return index;
+    }
+    // "OID CRITICAL VALUE"
+    std::string private_extension(uint32_t index) const {
+        uint32_t oid_len = 0;
+        uint32_t value_len = 0;
+        uint32_t critical = 0;
+        const auto get = [&](uint8_t *oid, uint8_t *value) {
+            EXPECT_EQ(ZACert_GetCertAttributePrivate(handle_, &index, oid, &oid_len, &critical,
+                                                     value, &value_len),
+                      0u);
+        };
+        get(nullptr, nullptr);
+        Octets oid(oid_len);
+        Octets value(value_len);
+        get(oid.data(), value.data());
+        return plain_hex(oid) + " " + std::to_string(critical) + " " + plain_hex(value);
     }
 
   private:
