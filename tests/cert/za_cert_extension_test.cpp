@@ -1,11 +1,10 @@
+#include "cert/za_cert_support.hpp"
 #include "support/heap.hpp"
 #include "support/trace.hpp"
-#include "za_cert_support.hpp"
 
 namespace za::test {
 namespace {
 
-using Lines = std::vector<std::string>;
 using Decoder = uint32_t (*)(Anybuf *, void *);
 
 struct KnownExtension {

@@ -1,11 +1,9 @@
+#include "cert/za_cert_support.hpp"
 #include "support/heap.hpp"
 #include "support/trace.hpp"
-#include "za_cert_support.hpp"
 
 namespace za::test {
 namespace {
-
-using Lines = std::vector<std::string>;
 
 constexpr int32_t kFirst = -1;
 constexpr int32_t kLast = 3010;

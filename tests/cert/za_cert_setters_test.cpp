@@ -1,7 +1,7 @@
-#include "../names/za_low_name_support.hpp"
+#include "cert/za_cert_support.hpp"
+#include "names/za_low_name_support.hpp"
 #include "support/heap.hpp"
 #include "support/trace.hpp"
-#include "za_cert_support.hpp"
 
 #include <map>
 
@@ -227,8 +227,7 @@ TEST(CertificateSetters, CurveMakesTheKeyAnEllipticCurveOne) {
     EXPECT_EQ(cert.set(CERT_ECC_PUBLICKEY_OID, "x"), 108u);
     EXPECT_EQ(cert.set(CERT_ISSUER_DERDN, "x"), 108u);
     EXPECT_EQ(trace.failures(),
-              (std::vector<std::string>{"--------->ZACert_SetECCCertPublicKey Error",
-                                        "------>ZACERT_GeneralErr"}));
+              (Lines{"--------->ZACert_SetECCCertPublicKey Error", "------>ZACERT_GeneralErr"}));
 }
 
 // Text that is no object identifier and text that could not be converted are told alike.

@@ -20,6 +20,8 @@ inline Octets certificate(const std::string &name) {
     return read_file(ZACERT_TEST_DATA "/certs/" + name + ".der");
 }
 
+using Lines = std::vector<std::string>;  // of a trace
+
 // Rows of data: fields between bars; "#" begins a line of comment.
 using Row = std::vector<std::string>;
 

@@ -1,7 +1,7 @@
 // Every cut and every changed octet of ten certificates of different makers, keys and extensions.
 #include "cert/za_cert_decode.hpp"
 
-#include "../cert/za_cert_support.hpp"
+#include "cert/za_cert_support.hpp"
 #include "support/heap.hpp"
 
 #include <memory>
