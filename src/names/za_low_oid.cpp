@@ -43,7 +43,7 @@ uint64_t first_arc(uint64_t number) {
 }
 
 class TextWriter {
-public:
+  public:
     explicit TextWriter(std::span<uint8_t> area)
         : begin_(reinterpret_cast<char *>(area.data())), to_(begin_), end_(begin_ + area.size()) {}
 
@@ -51,7 +51,7 @@ public:
     void add(char c) { *to_++ = c; }
     size_t size() const { return static_cast<size_t>(to_ - begin_); }
 
-private:
+  private:
     char *begin_;
     char *to_;
     char *end_;

@@ -42,7 +42,9 @@ void hand_out(Bytes bytes, uint8_t *out, uint32_t *out_len) {
 }
 
 void wipe(void *secret, size_t size) noexcept {
-    explicit_bzero(secret, size);
+    if (size > 0) {
+        explicit_bzero(secret, size);
+    }
 }
 
 }  // namespace za

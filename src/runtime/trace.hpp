@@ -29,7 +29,7 @@ void write_trace(const char *source, uint32_t line, const TraceText &text) noexc
 
 // The family of source files that a line names. Every .cpp file that traces defines one `trace`.
 class TraceSource {
-public:
+  public:
     constexpr explicit TraceSource(const char *source) : source_(source) {}
 
     void note(const TraceText &text, uint32_t line = __builtin_LINE()) const noexcept {
@@ -70,7 +70,7 @@ public:
         return static_cast<uint32_t>(body());
     }
 
-private:
+  private:
     const char *source_;
 };
 

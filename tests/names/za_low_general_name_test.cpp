@@ -1,8 +1,8 @@
 #include "names/za_low_general_name.hpp"
 
+#include "names/za_low_name_support.hpp"
 #include "support/heap.hpp"
 #include "support/trace.hpp"
-#include "names/za_low_name_support.hpp"
 
 #include <gtest/gtest.h>
 
