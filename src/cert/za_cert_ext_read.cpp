@@ -113,6 +113,11 @@ Status decode_alternative_name(AlternativeName &name, Children elements) {
     return Status::ok;
 }
 
+template <auto Extension>
+ExtensionState &state_of(Certificate &cert) {
+    return (cert.*Extension).state;
+}
+
 struct KnownExtension {
     uint8_t last_arc;  // below 2.5.29
     ExtensionState &(*state)(Certificate &);
@@ -121,41 +126,26 @@ struct KnownExtension {
 };
 
 constexpr std::array kKnownExtensions{
-    KnownExtension{19, [](Certificate &c) -> auto &{return c.basic_constraints.state;
-}  // namespace
-, decode_basic_constraints, "------>ZI_Cert_DecodeExtension_BasicConstraint"
-}  // namespace za::cert
-, KnownExtension{35, [](Certificate &c) -> auto &{return c.authority_key_identifier.state;
-}
-, decode_authority_key_identifier, "------>ZI_Cert_DecodeExtension_AuthorityKeyIdentifyer"
-}
-, KnownExtension{14, [](Certificate &c) -> auto &{return c.subject_key_identifier.state;
-}
-, decode_subject_key_identifier, "------>ZI_Cert_DecodeExtension_SubjectKeyIdentifier"
-}
-, KnownExtension{15, [](Certificate &c) -> auto &{return c.key_usage.state;
-}
-, decode_key_usage, "------>ZI_Cert_DecodeExtension_KeyUsage"
-}
-, KnownExtension{37, [](Certificate &c) -> auto &{return c.extended_key_usage.state;
-}
-, decode_extended_key_usage, "------>ZI_Cert_DecodeExtension_ExtKeyUsage"
-}
-, KnownExtension{31, [](Certificate &c) -> auto &{return c.distribution_points.state;
-}
-, decode_distribution_points, "------>ZI_Cert_DecodeExtension_CrlDistributionPoint"
-}
-, KnownExtension{17, [](Certificate &c) -> auto &{return c.subject_alternative_name.state;
-}
-, decode_subject_alternative_name, "------>ZI_Cert_DecodeExtension_SubjectAltName"
-}
-, KnownExtension{18, [](Certificate &c) -> auto &{return c.issuer_alternative_name.state;
-}
-, decode_issuer_alternative_name, "------>ZI_Cert_DecodeExtension_IssuerAltName"
-}
-,
-}
-;
+    KnownExtension{19, state_of<&Certificate::basic_constraints>, decode_basic_constraints,
+                   "------>ZI_Cert_DecodeExtension_BasicConstraint"},
+    KnownExtension{35, state_of<&Certificate::authority_key_identifier>,
+                   decode_authority_key_identifier,
+                   "------>ZI_Cert_DecodeExtension_AuthorityKeyIdentifyer"},
+    KnownExtension{14, state_of<&Certificate::subject_key_identifier>,
+                   decode_subject_key_identifier,
+                   "------>ZI_Cert_DecodeExtension_SubjectKeyIdentifier"},
+    KnownExtension{15, state_of<&Certificate::key_usage>, decode_key_usage,
+                   "------>ZI_Cert_DecodeExtension_KeyUsage"},
+    KnownExtension{37, state_of<&Certificate::extended_key_usage>, decode_extended_key_usage,
+                   "------>ZI_Cert_DecodeExtension_ExtKeyUsage"},
+    KnownExtension{31, state_of<&Certificate::distribution_points>, decode_distribution_points,
+                   "------>ZI_Cert_DecodeExtension_CrlDistributionPoint"},
+    KnownExtension{17, state_of<&Certificate::subject_alternative_name>,
+                   decode_subject_alternative_name,
+                   "------>ZI_Cert_DecodeExtension_SubjectAltName"},
+    KnownExtension{18, state_of<&Certificate::issuer_alternative_name>,
+                   decode_issuer_alternative_name, "------>ZI_Cert_DecodeExtension_IssuerAltName"},
+};
 
 const KnownExtension *find_known(Bytes oid) {
     constexpr std::array<uint8_t, 2> kCertificateExtensions{0x55, 0x1D};
