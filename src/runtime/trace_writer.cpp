@@ -15,8 +15,11 @@ constexpr size_t kLineOnStack = 512;
 struct Line {
     char *end;
     void add(std::string_view text) {
-        std::memcpy(end, text.data(), text.size());
-        end += text.size();
+        // An empty piece may have no octets to point to.
+        if (!text.empty()) {
+            std::memcpy(end, text.data(), text.size());
+            end += text.size();
+        }
     }
 };
 
