@@ -88,7 +88,7 @@ ZACERT_API uint32_t ZA_Decode_PrivateKey(ZA_RSAPrivateKey *key, const uint8_t *d
 
 /*
  * ZI_PKCS1to8KEY: wraps an RSAPrivateKey as PrivateKeyInfo (RFC 5208) with rsaEncryption and NULL
- * parameters. 113: fewer than nine elements; 122: the first two are not INTEGERs.
+ * parameters. 108: no octets; 113: fewer than nine elements; 122: the first two are not INTEGERs.
  */
 ZACERT_API uint32_t ZI_PKCS1to8KEY(const uint8_t *pkcs1, uint32_t pkcs1Len, uint8_t *out,
                                    uint32_t *outLen);
@@ -180,8 +180,10 @@ ZACERT_API uint32_t ZACERT_DecodeEccPriKey(const uint8_t *der, int32_t derLen,
 /*
  * ZACERT_DecodeEccPriKey_New: reads a private key in any of three forms: the one above; the
  * container SEQUENCE { INTEGER 1, curve OBJECT IDENTIFIER, d, x, y } with strings of tag 19, 4 or
- * 2; or ECPrivateKey (RFC 5915), whose point stays zero when it is left out. 122: none of them;
- * 101: a number longer than 32 octets; 113: too few elements.
+ * 2; or ECPrivateKey (RFC 5915), whose point stays zero when it is left out or not in the
+ * uncompressed form of 65 octets. Strings fill the START of their field; INTEGERs and the number of
+ * an ECPrivateKey stand at its end. 122: none of them; 101: a number longer than 32 octets; 113:
+ * too few elements.
  */
 ZACERT_API uint32_t ZACERT_DecodeEccPriKey_New(const uint8_t *der, int32_t derLen,
                                                ZACERT_EccPriKey *rec, uint32_t *outLen);
@@ -189,8 +191,8 @@ ZACERT_API uint32_t ZACERT_DecodeEccPriKey_New(const uint8_t *der, int32_t derLe
 /*
  * ZACERT_EcPrivateZqcspDerToCertDer: turns a private key of any of the three forms into
  * ECPrivateKey (RFC 5915) with the curve where it is known and the point; an ECPrivateKey comes
- * back unchanged. 113: the point is missing; 122: a curve without an object identifier, or none of
- * the three forms.
+ * back unchanged. 108: no octets; 113: the point is missing or zero; 122: a curve given by its
+ * parameters that is neither prime256v1 nor the SM2 curve, or none of the three forms.
  */
 ZACERT_API uint32_t ZACERT_EcPrivateZqcspDerToCertDer(const uint8_t *der, uint32_t derLen,
                                                       uint8_t *out, uint32_t *outLen);
@@ -219,8 +221,9 @@ typedef struct ZI_PubKey {
 } ZI_PubKey;
 
 /*
- * ZI_DecodePubKey: fills `out`, whose former content is not freed, from a SubjectPublicKeyInfo.
- * 113: fewer than two elements; the readers' codes.
+ * ZI_DecodePubKey: fills `out`, whose former content is not freed, from a SubjectPublicKeyInfo. An
+ * unknown algorithm or curve is no failure: the fields of `ecc.curve` are zero then. 113: fewer
+ * than two elements, or no algorithm; the readers' codes.
  */
 ZACERT_API uint32_t ZI_DecodePubKey(const Anybuf *spki, ZI_PubKey *out);
 

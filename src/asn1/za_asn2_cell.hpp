@@ -7,14 +7,14 @@
 namespace za::asn1 {
 
 class Cell {
-public:
+  public:
     Status set(uint32_t value) {
         const auto *octets = reinterpret_cast<const uint8_t *>(&value);
         return block_.assign(Bytes(octets, sizeof value));
     }
     uint32_t *release() { return reinterpret_cast<uint32_t *>(block_.release()); }
 
-private:
+  private:
     Octets block_;
 };
 

@@ -33,7 +33,7 @@ Status read_tag(Bytes in, Tag &out) {
             return Status::ok;
         }
     }
-    return trace.fail(Status::length, "------>ZACERT_LengthErr");
+    return trace.fail(Status::length);
 }
 
 Status read_length(Bytes in, Length &out) {
@@ -85,7 +85,7 @@ Status element_length(const uint8_t *first, uint32_t &out) {
     Header header;
     ZA_PASS(read_header(first, header));
     if (!fits_u32(header.total)) {
-        return trace.fail(Status::length, "------>ZACERT_LengthErr");
+        return trace.fail(Status::length);
     }
     out = to_u32(header.total);
     return Status::ok;
@@ -130,7 +130,7 @@ Status hand_out_cells(uint32_t value, uint32_t octets, const uint8_t **pos, uint
 uint32_t ZAsn1_Low_GetTagInfo(const uint8_t **pos, uint32_t **tagCell, uint32_t **tagOctetsCell) {
     return trace.exported([&] {
         if (pos == nullptr || *pos == nullptr) {
-            return trace.fail(Status::tag, "------>ZACERT_TagErr");
+            return trace.fail(Status::tag);
         }
         ZA_PASS(trace.need(tagCell, tagOctetsCell));
         Tag tag;

@@ -28,7 +28,14 @@ constexpr uint32_t kIa5String = 22;
 constexpr uint32_t kUtcTime = 23;
 constexpr uint32_t kGeneralizedTime = 24;
 constexpr uint32_t kBmpString = 30;
-constexpr uint32_t kContext0 = 0xA0;
+
+// Context-specific tags.
+constexpr uint32_t primitive(uint32_t number) {
+    return 0x80u | number;
+}
+constexpr uint32_t constructed(uint32_t number) {
+    return 0xA0u | number;
+}
 
 constexpr uint8_t kConstructed = 0x20;
 

@@ -17,7 +17,7 @@ constexpr uint8_t kIndefinite = 0x80;
 constexpr uint8_t kConstructedOctetString = ZA_DER_ID_OCTETSTRING | kConstructed;
 
 Status malformed() {
-    return trace.fail(Status::indefinite, "------>ZACERT_IndefiniteErr");
+    return trace.fail(Status::indefinite);
 }
 
 // One BER element: `content` reaches to the end of the input when the length is indefinite.
@@ -220,13 +220,13 @@ uint32_t ZAsn1_IndefiniteToDefinite(const uint8_t *in, uint32_t inLen, uint8_t *
     return trace.exported([&] {
         ZA_PASS(trace.need(in, outLen));
         if (inLen == 0) {
-            return trace.fail(Status::general, "------>ZACERT_GeneralErr");
+            return trace.fail(Status::general);
         }
         const za::Bytes input(in, inLen);
         size_t size = 0;
         ZA_PASS(za::asn1::definite_size(input, size));
         if (!za::fits_u32(size) || (out != nullptr && size > inLen)) {
-            return trace.fail(Status::length, "------>ZACERT_LengthErr");
+            return trace.fail(Status::length);
         }
         if (out != nullptr) {
             ZA_PASS(za::asn1::write_definite(input, out));

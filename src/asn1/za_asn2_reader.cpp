@@ -18,7 +18,7 @@ Status open_element(const Element &in, Header &out) {
     }
     ZA_PASS(read_header(in.octets, out));
     if (out.total != in.octets.size()) {
-        return trace.fail(Status::length_not_equal, "------>ZACERT_LengthNotEqualErr");
+        return trace.fail(Status::length_not_equal);
     }
     return Status::ok;
 }
@@ -59,7 +59,7 @@ bool Children::next(Element &out) {
 
 Status read_tag_and_length(const Element &in, Content &out) {
     if (in.octets.data() == nullptr) {
-        return trace.fail(Status::general, "------>ZACERT_GeneralErr");
+        return trace.fail(Status::general);
     }
     Header header;
     ZA_PASS(read_header(in.octets, header));
@@ -69,7 +69,7 @@ Status read_tag_and_length(const Element &in, Content &out) {
     Content content{in.octets.subspan(header.size()), header.tag, 0};
     if (in.type == kBitString) {
         if (content.octets.empty()) {
-            return trace.fail(Status::length, "------>ZACERT_LengthErr");
+            return trace.fail(Status::length);
         }
         content.octets = content.octets.subspan(1);
         content.unused_bits = in.unused_bits;
@@ -114,7 +114,7 @@ Status read_boolean(const Element &in, uint8_t &out) {
     Content content;
     ZA_TRY(ZAsn1_Low_ReadTagAndLength, read_tag_and_length(in, content));
     if (content.octets.empty()) {
-        return trace.fail(Status::length, "------>ZACERT_LengthErr");
+        return trace.fail(Status::length);
     }
     out = content.octets[0];
     return Status::ok;
@@ -134,14 +134,14 @@ Status read_long_time(const Element &in, TimeFields &out) {
     Header header;
     ZA_PASS(read_header(in.octets, header));
     if (header.total > in.octets.size()) {
-        return trace.fail(Status::length_not_equal, "------>ZACERT_LengthNotEqualErr");
+        return trace.fail(Status::length_not_equal);
     }
     return time_from_content(in.octets.subspan(header.size(), header.length), out);
 }
 
 Status read_utc_time(const Element &in, TimeFields &out) {
     if (in.type != kUtcTime) {
-        return trace.fail(Status::tag, "------>ZACERT_TagErr");
+        return trace.fail(Status::tag);
     }
     Header header;
     ZA_PASS(open_element(in, header));
@@ -151,7 +151,7 @@ Status read_utc_time(const Element &in, TimeFields &out) {
 
 Status read_generalized_time(const Element &in, TimeFields &out) {
     if (in.type != kGeneralizedTime) {
-        return trace.fail(Status::tag, "------>ZACERT_TagErr");
+        return trace.fail(Status::tag);
     }
     Header header;
     ZA_PASS(open_element(in, header));

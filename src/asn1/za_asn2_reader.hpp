@@ -31,14 +31,14 @@ struct Content {
 // The children of a constructed element. They were all measured when it was read, so that taking
 // one cannot fail.
 class Children {
-public:
+  public:
     Children() = default;
     explicit Children(Bytes measured) : rest_(measured) {}
 
     bool empty() const { return rest_.empty(); }
     bool next(Element &out);
 
-private:
+  private:
     Bytes rest_;
 };
 

@@ -85,7 +85,7 @@ Status time_to_text(int32_t time, TimeText &out) {
 Status time_from_text(const TimeText &text, TimeFields &out) {
     const int two_digit_year = two_digits(&text[0]);
     if (text[12] != 'Z' && text[12] != '\0') {
-        return trace.fail(Status::invalid_time_end, "------>ZACERT_InvalidTimeEndErr");
+        return trace.fail(Status::invalid_time_end);
     }
     const int year = two_digit_year + (two_digit_year < kPivotYear ? 2000 : 1900);
     out = fields_of(year, &text[2]);
@@ -94,7 +94,7 @@ Status time_from_text(const TimeText &text, TimeFields &out) {
 
 Status time_from_content(Bytes content, TimeFields &out) {
     if (content.size() < kTimeText - 1) {
-        return trace.fail(Status::invalid_time_end, "------>ZACERT_InvalidTimeEndErr");
+        return trace.fail(Status::invalid_time_end);
     }
     TimeText text{};
     std::copy_n(content.begin(), std::min(content.size(), text.size()), text.begin());
@@ -113,7 +113,7 @@ Status time_from_long_text(Bytes content, TimeFields &out) {
     const char *text = text_of(content).data();
     const int year = two_digits(text) * 100 + two_digits(text + 2);
     if (year < kFirstYear || year > kLastYear) {
-        return trace.fail(Status::invalid_time_end, "------>ZACERT_InvalidTimeEndErr");
+        return trace.fail(Status::invalid_time_end);
     }
     out = fields_of(year, text + 4);
     return Status::ok;
@@ -130,7 +130,7 @@ uint32_t ZAsn1_Low_TimeIntToChar(uint32_t value, char *twoChars) {
         ZA_PASS(trace.need(twoChars));
         constexpr uint32_t kLargest = 99;
         if (value > kLargest) {
-            return trace.fail(Status::time_format, "------>ZACERT_TimeFormatErr");
+            return trace.fail(Status::time_format);
         }
         put_two_digits(static_cast<int>(value), twoChars);
         return Status::ok;

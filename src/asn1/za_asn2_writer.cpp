@@ -70,7 +70,7 @@ IntegerContent::IntegerContent(uint32_t value) {
 Status create_record(Chain &out) {
     auto *record = static_cast<Anybuf *>(ZAPR_Malloc(__FILE_NAME__, __LINE__, sizeof(Anybuf)));
     if (record == nullptr) {
-        return trace.fail(Status::memory, "------>ZAPR_Malloc");
+        return trace.fail(Status::memory);
     }
     record->bufFlag = kMadeByCodec;
     out.append(record);
@@ -188,7 +188,7 @@ Status write_set(const Anybuf *chain, Chain &out) {
 Status write_explicit(const Anybuf &element, uint32_t number, Chain &out) {
     const Bytes whole = bytes_of(element);
     if (whole.empty()) {
-        return trace.fail(Status::general, "------>ZACERT_GeneralErr");
+        return trace.fail(Status::general);
     }
     uint8_t *place = nullptr;
     ZA_PASS(begin_element(context_tag(0xA0, number), whole.size(), out, place));
@@ -198,7 +198,7 @@ Status write_explicit(const Anybuf &element, uint32_t number, Chain &out) {
 
 Status write_implicit(const Anybuf &element, uint32_t number, Chain &out) {
     if (bytes_of(element).empty()) {
-        return trace.fail(Status::general, "------>ZACERT_GeneralErr");
+        return trace.fail(Status::general);
     }
     Content content;
     ZA_TRY(ZAsn1_Low_ReadTagAndLength, read_tag_and_length(Element(element), content));

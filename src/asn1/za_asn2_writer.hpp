@@ -26,11 +26,11 @@ constexpr uint32_t kMadeByCodec = 2;
 
 // ZAsn1_Low_IntToChar: the shortest content of a non-negative INTEGER.
 class IntegerContent {
-public:
+  public:
     explicit IntegerContent(uint32_t value);
     Bytes octets() const { return Bytes(octets_).subspan(first_); }
 
-private:
+  private:
     std::array<uint8_t, 5> octets_;
     size_t first_ = 0;
 };

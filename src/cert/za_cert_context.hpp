@@ -24,14 +24,14 @@ struct Name {
 // A time remembers which DER type it came from or is to be written as. One that was decoded keeps
 // its text's fields until somebody asks for the seconds.
 class Time {
-public:
+  public:
     void set(int32_t utc);
     void decoded(const asn1::TimeFields &fields, bool is_utc);
 
     // The seconds of a UTCTime; 0 for a GeneralizedTime, which readers of the attribute rely on.
     Status utc(int32_t &out) const;
 
-private:
+  private:
     bool is_utc_ = false;
     bool is_decoded_ = false;
     int32_t seconds_ = 0;

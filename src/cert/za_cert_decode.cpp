@@ -17,19 +17,11 @@ namespace {
 using asn1::Children;
 using asn1::Element;
 
-// The next field of a structure that must have one.
-Status take(Children &fields, Element &out) {
-    if (!fields.next(out)) {
-        return trace.fail(Status::certificate_not_end, "------>ZACERT_CertNotEndErr");
-    }
-    return Status::ok;
-}
-
 // AlgorithmIdentifier ::= SEQUENCE { algorithm OBJECT IDENTIFIER, parameters ANY OPTIONAL }
 Status decode_algorithm(Children fields, Field &out) {
     Element algorithm;
     Bytes oid;
-    ZA_PASS(take(fields, algorithm));
+    ZA_PASS(take_field(fields, algorithm));
     ZA_TRY(ZAsn1_ReadObjectId, asn1::read_object_id(algorithm, oid));
     out.refer(oid);
     return Status::ok;
@@ -59,9 +51,9 @@ Status decode_validity(const Element &validity, Certificate &cert) {
     Children times;
     Element time;
     ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(validity, times));
-    ZA_PASS(take(times, time));
+    ZA_PASS(take_field(times, time));
     ZA_PASS(decode_time(time, cert.not_before));
-    ZA_PASS(take(times, time));
+    ZA_PASS(take_field(times, time));
     return decode_time(time, cert.not_after);
 }
 
@@ -100,13 +92,13 @@ Status decode_version_and_serial(Children &fields, Certificate &cert) {
     Element field;
     Element inner;
     uint32_t tag = 0;
-    ZA_PASS(take(fields, field));
+    ZA_PASS(take_field(fields, field));
     ZA_TRY(ZAsn1_ReadExplicit, asn1::read_explicit(field, inner, tag));
-    cert.has_version = tag == asn1::kContext0;
+    cert.has_version = tag == asn1::constructed(0);
     cert.version = 0;
     if (cert.has_version) {
         ZA_TRY(ZAsn1_ReadInteger, asn1::read_integer(inner, cert.version));
-        ZA_PASS(take(fields, field));
+        ZA_PASS(take_field(fields, field));
     }
     asn1::Content serial;
     ZA_TRY(ZAsn1_ReadIntegerArray, asn1::read_integer_array(field, serial));
@@ -135,15 +127,22 @@ Status decode_signature(Children fields, Certificate &cert) {
 
 }  // namespace
 
+Status take_field(Children &fields, Element &out) {
+    if (!fields.next(out)) {
+        return trace.fail(Status::certificate_not_end);
+    }
+    return Status::ok;
+}
+
 // Certificate ::= SEQUENCE { tbsCertificate, signatureAlgorithm, signatureValue }
 Status decode_certificate(Certificate &cert, Bytes in) {
     if (in.data() == nullptr) {
-        return trace.fail(Status::general, "------>ZACERT_GeneralErr");
+        return trace.fail(Status::general);
     }
     asn1::Header header;
     ZA_TRY(ZAsn1_GetCertLength, asn1::read_header(in, header));
     if (header.total > in.size()) {
-        return trace.fail(Status::length_not_equal, "------>ZACERT_LengthNotEqualErr");
+        return trace.fail(Status::length_not_equal);
     }
     Bytes whole;
     ZA_PASS(cert.keep(in.first(header.total), whole));
@@ -173,16 +172,16 @@ Status decode_tbs(Certificate &cert, const Element &tbs) {
 
     Element field;
     Children algorithm;
-    ZA_PASS(take(fields, field));
+    ZA_PASS(take_field(fields, field));
     ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(field, algorithm));
     ZA_PASS(decode_algorithm(algorithm, cert.inner_algorithm));
-    ZA_PASS(take(fields, field));
+    ZA_PASS(take_field(fields, field));
     ZA_PASS(decode_name(field, cert.issuer));
-    ZA_PASS(take(fields, field));
+    ZA_PASS(take_field(fields, field));
     ZA_PASS(decode_validity(field, cert));
-    ZA_PASS(take(fields, field));
+    ZA_PASS(take_field(fields, field));
     ZA_PASS(decode_name(field, cert.subject));
-    ZA_PASS(take(fields, field));
+    ZA_PASS(take_field(fields, field));
     ZA_PASS(decode_public_key(field, cert.key));
 
     // Unique identifiers are not known here: what follows the key is taken for the extensions.
@@ -235,7 +234,7 @@ uint32_t ZACert_DecodeCert(void *ctx, const uint8_t *der, uint32_t derLen) {
         uint32_t total = 0;
         ZA_TRY(ZAsn1_GetCertLength, za::asn1::element_length(der, total));
         if (total > derLen && total > kMostBeyondArgument) {
-            return trace.fail(Status::length, "------>ZACERT_LengthErr");
+            return trace.fail(Status::length);
         }
         return za::cert::decode_certificate(*static_cast<Certificate *>(ctx), {der, total});
     });

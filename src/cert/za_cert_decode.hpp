@@ -15,6 +15,9 @@ Status decode_tbs(Certificate &cert, const asn1::Element &tbs);  // ZI_Cert_Deco
 // ZI_Cert_DecodeExtensions: the extensions inside their context tag.
 Status decode_extensions(Certificate &cert, const asn1::Element &wrapper);
 
+// The next field of a structure that must have one.
+Status take_field(asn1::Children &fields, asn1::Element &out);
+
 // One extension: the elements of its SEQUENCE.
 using ExtensionDecoder = Status (*)(Certificate &cert, asn1::Children elements);
 

@@ -20,21 +20,6 @@ using asn1::Content;
 using asn1::Element;
 using asn1::Implicit;
 
-constexpr uint32_t context_primitive(uint32_t number) {
-    return 0x80u | number;
-}
-
-constexpr uint32_t context_constructed(uint32_t number) {
-    return 0xA0u | number;
-}
-
-Status take(Children &fields, Element &out) {
-    if (!fields.next(out)) {
-        return trace.fail(Status::certificate_not_end, "------>ZACERT_CertNotEndErr");
-    }
-    return Status::ok;
-}
-
 struct Extension {
     Bytes oid;
     uint8_t critical = 0;
@@ -47,12 +32,12 @@ Status open_extension(Children elements, Extension &out) {
     Extension extension;
     Element field;
     Content value;
-    ZA_PASS(take(elements, field));
+    ZA_PASS(take_field(elements, field));
     ZA_TRY(ZAsn1_ReadObjectId, asn1::read_object_id(field, extension.oid));
-    ZA_PASS(take(elements, field));
+    ZA_PASS(take_field(elements, field));
     if (field.type == asn1::kBoolean) {
         ZA_TRY(ZAsn1_ReadBoolean, asn1::read_boolean(field, extension.critical));
-        ZA_PASS(take(elements, field));
+        ZA_PASS(take_field(elements, field));
     }
     ZA_TRY(ZAsn1_ReadOctetString, asn1::read_string(field, value));
     extension.value = value.octets;
@@ -87,8 +72,7 @@ Status find_implicit(Children children, uint32_t type, bool &found, Implicit &ou
 // DistributionPoint ::= SEQUENCE { distributionPoint [0] { fullName [0] GeneralNames, ... }, ... }
 // of which the first URI, [6], counts.
 Status find_uri(const Element &point, bool &found, Bytes &out) {
-    constexpr std::array kPath{context_constructed(0), context_constructed(0),
-                               context_primitive(6)};
+    constexpr std::array kPath{asn1::constructed(0), asn1::constructed(0), asn1::primitive(6)};
     Implicit opened;
     ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(point, opened.children));
     for (const uint32_t type : kPath) {
@@ -189,7 +173,7 @@ Status dispatch_extension(Certificate &cert, const Element &extension) {
     Bytes oid;
     ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(extension, elements));
     Children rest = elements;
-    ZA_PASS(take(rest, identifier));
+    ZA_PASS(take_field(rest, identifier));
     ZA_TRY(ZAsn1_ReadObjectId, asn1::read_object_id(identifier, oid));
     const KnownExtension *known = find_known(oid);
     if (known == nullptr) {
@@ -250,20 +234,20 @@ Status decode_authority_key_identifier(Certificate &cert, Children elements) {
     Implicit field;
     bool found = false;
     ZA_PASS(open_sequence(elements, extension, fields));
-    ZA_PASS(find_implicit(fields, context_constructed(1), found, field));
+    ZA_PASS(find_implicit(fields, asn1::constructed(1), found, field));
     for (Element name; found && field.children.next(name);) {
-        if (name.type == context_constructed(4)) {
+        if (name.type == asn1::constructed(4)) {
             Element inner;
             uint32_t tag = 0;
             ZA_TRY(ZAsn1_ReadExplicit, asn1::read_explicit(name, inner, tag));
             ZA_TRY(ZI_DecodeIssuerSubject, names::decode_issuer_subject(inner, out.issuer));
         }
     }
-    ZA_PASS(find_implicit(fields, context_primitive(2), found, field));
+    ZA_PASS(find_implicit(fields, asn1::primitive(2), found, field));
     if (found) {
         out.serial.refer(field.content.octets);
     }
-    ZA_PASS(find_implicit(fields, context_primitive(0), found, field));
+    ZA_PASS(find_implicit(fields, asn1::primitive(0), found, field));
     if (found) {
         out.value.refer(field.content.octets);
     }

@@ -29,7 +29,7 @@ uint32_t EnCodeThums(const char *algoOidText, uint32_t algoOidTextLen, const uin
     return trace.exported([&] {
         ZA_PASS(trace.need(algoOidText, thumb, outLen));
         if (thumbLen == 0) {
-            return trace.fail(Status::length, "------>ZACERT_LengthErr");
+            return trace.fail(Status::length);
         }
         za::Octets algorithm;
         Chain info;

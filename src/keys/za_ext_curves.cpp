@@ -2,8 +2,8 @@
 
 #include <zacert.h>
 
-#include "keys/oid_todo.hpp"
 #include "keys/za_ext_number.hpp"
+#include "names/za_low_oid_catalogue.hpp"
 
 #include <array>
 
@@ -80,11 +80,16 @@ struct CurveRow {
 
 // The first row of a curve has the identifier that is written for it.
 constexpr CurveRow kCurves[] = {
-    {oid::kPrime256v1, kP256},          {oid::kSm2Curve, kSm2},
-    {oid::kSm2CurveShort, kSm2},        {oid::kNationalCurve1, kUnknown},
-    {oid::kNationalCurve2, kUnknown},   {oid::kNationalCurve3, kUnknown},
-    {oid::kNationalCurve4, kUnknown},   {oid::kNationalCurve5, kUnknown},
-    {oid::kNationalCurve6, kUnknown},   {oid::kNationalCurve1000, kUnknown},
+    {oid::kPrime256v1, kP256},
+    {oid::kSm2, kSm2},
+    {oid::kSm2Short, kSm2},
+    {oid::kFurtherCurves[0], kUnknown},
+    {oid::kFurtherCurves[1], kUnknown},
+    {oid::kFurtherCurves[2], kUnknown},
+    {oid::kFurtherCurves[3], kUnknown},
+    {oid::kFurtherCurves[4], kUnknown},
+    {oid::kFurtherCurves[5], kUnknown},
+    {oid::kFurtherCurves[6], kUnknown},
 };
 
 bool same_domain(const ZACERT_EccCurve &a, const ZACERT_EccCurve &b) {
@@ -115,12 +120,14 @@ bool take_sequence(asn1::Children &fields, asn1::Children &out) {
            asn1::read_sequence(field, out) == Status::ok;
 }
 
+constexpr oid::Oid kPrimeField = oid::make("1.2.840.10045.1.1");
+
 // FieldID ::= SEQUENCE { fieldType OBJECT IDENTIFIER, parameters INTEGER }
 bool take_prime(asn1::Children &fields, std::span<uint8_t> p) {
     asn1::Children field_id;
     Bytes type;
     return take_sequence(fields, field_id) && take(field_id, asn1::kObjectId, type) &&
-           equal(type, oid::kPrimeField) && take_number(field_id, asn1::kInteger, p);
+           equal(type, kPrimeField) && take_number(field_id, asn1::kInteger, p);
 }
 
 // Curve ::= SEQUENCE { a OCTET STRING, b OCTET STRING, seed BIT STRING OPTIONAL }
@@ -168,9 +175,8 @@ bool read_explicit_curve(const asn1::Element &parameters, ZACERT_EccCurve &out) 
     ZACERT_EccCurve curve = kUnknown;
     if (asn1::read_sequence(parameters, fields) != Status::ok ||
         !take(fields, asn1::kInteger, version) || !take_prime(fields, curve.p) ||
-        !take_coefficients(fields, curve.a, curve.b) ||
-        !take(fields, asn1::kOctetString, base) || !read_point(base, curve.gx, curve.gy) ||
-        !take_number(fields, asn1::kInteger, curve.n)) {
+        !take_coefficients(fields, curve.a, curve.b) || !take(fields, asn1::kOctetString, base) ||
+        !read_point(base, curve.gx, curve.gy) || !take_number(fields, asn1::kInteger, curve.n)) {
         return false;
     }
     out = curve;

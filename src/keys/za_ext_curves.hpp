@@ -1,4 +1,5 @@
-// Elliptic curves over a prime field of 256 bits: known by identifier, or given by their parameters.
+// Elliptic curves over a prime field of 256 bits: known by identifier, or given by their
+// parameters.
 #pragma once
 
 #include "asn1/za_asn2_reader.hpp"
@@ -19,11 +20,11 @@ bool find_curve(Bytes oid, ZACERT_EccCurve &out);
 // The identifier of a curve with these domain parameters; empty when there is none.
 Bytes find_curve_oid(const ZACERT_EccCurve &curve);
 
-// ECParameters of a curve that fits the record. Anything else is no failure: false, `out` untouched.
+// ECParameters of a curve that fits the record. Anything else is no failure: false, `out`
+// untouched.
 bool read_explicit_curve(const asn1::Element &parameters, ZACERT_EccCurve &out);
 
 // The coordinates of an uncompressed point (SEC 1, 2.3.3); false for any other form or size.
-bool read_point(Bytes octets, std::span<uint8_t, kCoordinate> x,
-                std::span<uint8_t, kCoordinate> y);
+bool read_point(Bytes octets, std::span<uint8_t, kCoordinate> x, std::span<uint8_t, kCoordinate> y);
 
 }  // namespace za::keys

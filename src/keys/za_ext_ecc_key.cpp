@@ -15,13 +15,13 @@ namespace {
 
 static_assert(sizeof(ZACERT_EccPubKey) == 260);
 
-// The lines are GB18030: "prime p", "parameter a" and so on. The one of a missing curve speaks of a
-// private key's data structure being empty, whichever key it is.
+// The lines are GB18030: "prime p", "parameter a" and so on. The one of a missing curve says that
+// the data structure of a private key is empty, whichever key it is.
 constexpr const char *kTextSequence = "----->ZACERT_DecodeEccCurve: ZAsn1_ReadSequence";
 constexpr const char *kTextNullCurve =
-    "----->ZACERT_DecodeEccCurve: \xCB\xBD\xD4\xBF" "DER" "\xCA\xFD\xBE\xDD\xBD\xE1\xB9\xB9\xCE\xAA"
-    "\xBF\xD5";
-constexpr const char *kTextLength = "----->ZACERT_DecodeEccCurve: \xB2\xCE\xCA\xFD" "len";
+    "----->ZACERT_DecodeEccCurve: "
+    "\313\275\324\277DER\312\375\276\335\275\341\271\271\316\252\277\325";
+constexpr const char *kTextLength = "----->ZACERT_DecodeEccCurve: \262\316\312\375len";
 
 struct CurveField {
     uint8_t (ZACERT_EccCurve::*octets)[32];
@@ -29,12 +29,12 @@ struct CurveField {
 };
 
 constexpr CurveField kCurveFields[] = {
-    {&ZACERT_EccCurve::p, "----->ZACERT_DecodeEccCurve: \xCB\xD8\xCA\xFD" "p"},
-    {&ZACERT_EccCurve::a, "----->ZACERT_DecodeEccCurve: \xB2\xCE\xCA\xFD" "a"},
-    {&ZACERT_EccCurve::b, "----->ZACERT_DecodeEccCurve: \xB2\xCE\xCA\xFD" "b"},
+    {&ZACERT_EccCurve::p, "----->ZACERT_DecodeEccCurve: \313\330\312\375p"},
+    {&ZACERT_EccCurve::a, "----->ZACERT_DecodeEccCurve: \262\316\312\375a"},
+    {&ZACERT_EccCurve::b, "----->ZACERT_DecodeEccCurve: \262\316\312\375b"},
     {&ZACERT_EccCurve::gx, kTextX},
     {&ZACERT_EccCurve::gy, kTextY},
-    {&ZACERT_EccCurve::n, "----->ZACERT_DecodeEccCurve: \xB2\xCE\xCA\xFD" "n"},
+    {&ZACERT_EccCurve::n, "----->ZACERT_DecodeEccCurve: \262\316\312\375n"},
 };
 
 // Curve ::= SEQUENCE { p, a, b, gx, gy, n PrintableString, len1 INTEGER, len2 INTEGER }

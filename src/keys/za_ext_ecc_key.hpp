@@ -18,13 +18,14 @@ Status read_curve_and_point(asn1::Children &fields, ZACERT_EccPubKey &out);
 // A field as a string of its octets, or an empty one when all are zero.
 void write_field(Bytes field, DerWriter &out);
 
-// The next string, copied to the START of its field. `text` is the line of whatever is wrong with it.
+// The next string, copied to the START of its field; `text` is the line of any failure.
 Status read_field(asn1::Children &fields, std::span<uint8_t> out, const char *text);
 
 // The elements of the outer SEQUENCE.
 Status read_key_sequence(Bytes der, asn1::Children &out);
 
-constexpr const char *kTextX = "----->ZACERT_DecodeEccCurve: \xB2\xCE\xCA\xFD" "gx";
-constexpr const char *kTextY = "----->ZACERT_DecodeEccCurve: \xB2\xCE\xCA\xFD" "gy";
+// The lines of a coordinate, which serve for the base point and for the key's own: "parameter gx".
+constexpr const char *kTextX = "----->ZACERT_DecodeEccCurve: \262\316\312\375gx";
+constexpr const char *kTextY = "----->ZACERT_DecodeEccCurve: \262\316\312\375gy";
 
 }  // namespace za::keys

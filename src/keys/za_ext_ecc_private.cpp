@@ -18,9 +18,9 @@ namespace {
 
 static_assert(sizeof(ZACERT_EccPriKey) == 292);
 
-constexpr const char *kTextD = "----->ZACERT_DecodeEccPriKey: \xB2\xCE\xCA\xFD" "d";
+constexpr const char *kTextD = "----->ZACERT_DecodeEccPriKey: \262\316\312\375d";
 
-constexpr uint32_t kContext1 = asn1::kContext0 + 1;
+constexpr uint32_t kContext1 = asn1::constructed(1);
 
 // A private key of any form: the record, and what the record has no place for.
 struct PrivateKey {
@@ -35,7 +35,7 @@ Status read_form(asn1::Children fields, Form &out) {
     asn1::Element first;
     asn1::Element second;
     if (!fields.next(first) || !fields.next(second)) {
-        return trace.fail(Status::item_missing, "------>ZACERT_ItemMissingErr");
+        return trace.fail(Status::item_missing);
     }
     if (first.type == asn1::kSequence || first.type == asn1::kNull) {
         out = Form::explicit_curve;
@@ -50,7 +50,7 @@ Status read_form(asn1::Children fields, Form &out) {
         out = Form::container;
         return Status::ok;
     }
-    return trace.fail(Status::type, "------>ZACERT_TypeErr");
+    return trace.fail(Status::type);
 }
 
 // SEQUENCE { curve Curve, x PrintableString, y PrintableString, d PrintableString }
@@ -132,7 +132,7 @@ Status read_sec1_form(asn1::Children fields, PrivateKey &out) {
     }
     out.record.pub.curve = unknown_curve();
     while (fields.next(field)) {
-        if (field.type == asn1::kContext0) {
+        if (field.type == asn1::constructed(0)) {
             ZA_PASS(read_sec1_curve(field, out));
         } else if (field.type == kContext1) {
             ZA_PASS(read_sec1_point(field, out));
@@ -165,7 +165,7 @@ Status write_private_key(const ZACERT_EccPriKey &key, Octets &out) {
 }
 
 Status write_sec1(const PrivateKey &key, Octets &out) {
-    constexpr uint8_t kContextIdentifier0 = asn1::kContext0;
+    constexpr uint8_t kContextIdentifier0 = asn1::constructed(0);
     constexpr uint8_t kContextIdentifier1 = kContext1;
     constexpr uint8_t kPointPrefix[] = {0, kUncompressed};  // behind the count of unused bits
     const auto structure = [&](DerWriter &der) {
@@ -234,7 +234,7 @@ Status decode_any_ecc_private_key(Bytes der, ZACERT_EccPriKey &out) {
 
 Status to_sec1_private_key(Bytes der, Octets &out) {
     if (der.empty()) {
-        return trace.fail(Status::general, "------>ZACERT_GeneralErr");
+        return trace.fail(Status::general);
     }
     asn1::Children fields;
     ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(asn1::Element(der), fields));
@@ -247,10 +247,10 @@ Status to_sec1_private_key(Bytes der, Octets &out) {
     Wiped<PrivateKey> key;
     ZA_PASS(read_form_of(fields, form, key.value));
     if (!has_point(key.value.record.pub)) {
-        return trace.fail(Status::item_missing, "------>ZACERT_ItemMissingErr");
+        return trace.fail(Status::item_missing);
     }
     if (form == Form::explicit_curve && key.value.curve_oid.empty()) {
-        return trace.fail(Status::type, "------>ZACERT_TypeErr");
+        return trace.fail(Status::type);
     }
     return write_sec1(key.value, out);
 }

@@ -27,12 +27,12 @@ bool right_align(Bytes number, std::span<uint8_t> field) {
 Status read_number(asn1::Children &fields, std::span<uint8_t> out) {
     asn1::Element field;
     if (!fields.next(field)) {
-        return trace.fail(Status::item_missing, "------>ZACERT_ItemMissingErr");
+        return trace.fail(Status::item_missing);
     }
     asn1::Content number;
     ZA_TRY(ZAsn1_ReadIntegerArray, asn1::read_integer_array(field, number));
     if (!right_align(number.octets, out)) {
-        return trace.fail(Status::length, "------>ZACERT_LengthErr");
+        return trace.fail(Status::length);
     }
     return Status::ok;
 }

@@ -2,10 +2,10 @@
 
 #include <zacert.h>
 
-#include "keys/oid_todo.hpp"
 #include "keys/za_ext_curves.hpp"
 #include "keys/za_ext_ecc_key.hpp"
 #include "keys/za_ext_number.hpp"
+#include "names/za_low_oid_catalogue.hpp"
 #include "runtime/trace.hpp"
 
 namespace {
@@ -58,7 +58,7 @@ Status read_algorithm(const asn1::Element &in, PublicKeyInfo &out) {
     ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(in, fields));
     asn1::Element field;
     if (!fields.next(field)) {
-        return trace.fail(Status::item_missing, "------>ZACERT_ItemMissingErr");
+        return trace.fail(Status::item_missing);
     }
     ZA_TRY(ZAsn1_ReadObjectId, asn1::read_object_id(field, out.algorithm));
     return fields.next(field) ? read_parameters(field, out) : Status::ok;
@@ -133,7 +133,7 @@ Status decode_public_key_info(const asn1::Element &spki, PublicKeyInfo &out) {
     asn1::Element algorithm;
     asn1::Element key;
     if (!fields.next(algorithm) || !fields.next(key)) {
-        return trace.fail(Status::item_missing, "------>ZACERT_ItemMissingErr");
+        return trace.fail(Status::item_missing);
     }
     PublicKeyInfo info;
     ZA_PASS(read_algorithm(algorithm, info));

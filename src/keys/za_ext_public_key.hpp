@@ -5,8 +5,8 @@
 
 namespace za::keys {
 
-// Views of the element it was read from. The fields mean what those of ZI_PubKey do; `key_bits` of an
-// elliptic-curve key are made from `ecc` with encode_ecc_public_key where they are wanted.
+// Views of the element it was read from. The fields mean what those of ZI_PubKey do; `key_bits` of
+// an elliptic-curve key are made from `ecc` with encode_ecc_public_key where they are wanted.
 struct PublicKeyInfo {
     Bytes algorithm;
     Bytes parameters;

@@ -2,8 +2,8 @@
 
 #include <zacert.h>
 
-#include "keys/oid_todo.hpp"
 #include "keys/za_ext_der.hpp"
+#include "names/za_low_oid_catalogue.hpp"
 #include "runtime/trace.hpp"
 
 #include <array>
@@ -38,9 +38,8 @@ auto public_fields(Key &key) {
 template <class Key>
 auto private_fields(Key &key) {
     using Octet = std::remove_reference_t<decltype(*key.modulus)>;
-    return Fields<Octet, 8>{key.modulus, key.publicExponent, key.exponent,
-                            key.prime1,  key.prime2,         key.primeExponent1,
-                            key.primeExponent2, key.coefficient};
+    return Fields<Octet, 8>{key.modulus, key.publicExponent, key.exponent,       key.prime1,
+                            key.prime2,  key.primeExponent1, key.primeExponent2, key.coefficient};
 }
 
 // The line of a missing record is written with the code of missing memory: callers know it so.
@@ -56,7 +55,7 @@ Status read_private_key(Bytes der, ZA_RSAPrivateKey &out) {
     ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(asn1::Element(der), fields));
     asn1::Element version;
     if (!fields.next(version)) {
-        return trace.fail(Status::item_missing, "------>ZACERT_ItemMissingErr");
+        return trace.fail(Status::item_missing);
     }
     Wiped<ZA_RSAPrivateKey> key;
     for (const std::span<uint8_t> field : private_fields(key.value)) {
@@ -116,10 +115,10 @@ Status pkcs1_to_8(Bytes pkcs1, Octets &out) {
     // What is put around the key must not carry the whole beyond 32 bits.
     constexpr size_t kMostKeyOctets = std::numeric_limits<uint32_t>::max() - 64;
     if (pkcs1.empty()) {
-        return trace.fail(Status::general, "------>ZACERT_GeneralErr");
+        return trace.fail(Status::general);
     }
     if (pkcs1.size() > kMostKeyOctets) {
-        return trace.fail(Status::length, "------>ZACERT_LengthErr");
+        return trace.fail(Status::length);
     }
     asn1::Children fields;
     ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(asn1::Element(pkcs1), fields));
@@ -128,12 +127,12 @@ Status pkcs1_to_8(Bytes pkcs1, Octets &out) {
     for (size_t i = 0; i < kFieldsOfPrivateKey; ++i) {
         asn1::Element field;
         if (!fields.next(field)) {
-            return trace.fail(Status::item_missing, "------>ZACERT_ItemMissingErr");
+            return trace.fail(Status::item_missing);
         }
         begins_with_numbers = begins_with_numbers && (i >= 2 || field.type == asn1::kInteger);
     }
     if (!begins_with_numbers) {
-        return trace.fail(Status::type, "------>ZACERT_TypeErr");
+        return trace.fail(Status::type);
     }
 
     // PrivateKeyInfo ::= SEQUENCE { version INTEGER,

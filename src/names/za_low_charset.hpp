@@ -6,6 +6,9 @@
 
 namespace za::names {
 
+// The first character that fails ends a conversion with Status::text_invalid or
+// Status::text_not_representable and the line "------>iconv", whichever code met it.
+
 // Longer inputs are Status::length. The work areas are sized from the input, so that nothing else
 // limits an output.
 constexpr size_t kMostChinese = 2048;

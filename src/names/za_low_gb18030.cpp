@@ -23,7 +23,7 @@ constexpr const char *kCharacters =
 constexpr size_t kMostGb18030Octets = 4;
 
 class Converter {
-public:
+  public:
     Converter(const char *to, const char *from) : handle_(iconv_open(to, from)) {}
     ~Converter() {
         if (is_open()) {
@@ -53,7 +53,7 @@ public:
         return whole;
     }
 
-private:
+  private:
     iconv_t handle_;
 };
 

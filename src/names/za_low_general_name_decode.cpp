@@ -7,6 +7,11 @@ constexpr za::TraceSource trace{".\\src\\za_low"};
 
 }  // namespace
 
+// Programs are linked against this layout.
+static_assert(sizeof(void *) != 8 ||
+              (sizeof(ZI_GeneralName) == 240 && offsetof(ZI_GeneralName, otherNameValue) == 32 &&
+               offsetof(ZI_GeneralName, directoryName) == 152));
+
 namespace za::names {
 namespace {
 
@@ -87,11 +92,9 @@ Status decode_general_names(const asn1::Element &in, GeneralNames &out, bool &fo
 
 namespace {
 
-constexpr uint32_t kContextPrimitive = 0x80;
-
 // Copies of what was found, kept until all of them exist.
 class Copies {
-public:
+  public:
     Status make(const GeneralNames &names) {
         for (size_t i = 0; i < kStringForms.size(); ++i) {
             ZA_TRY_AS(kStringForms[i].copy_failed, octets_[i].assign(names.*kStringForms[i].view));
@@ -108,7 +111,7 @@ public:
                 record = {};
                 record.dataLen = to_u32(octets_[i].size());
                 record.data = octets_[i].release();
-                record.dataType = kContextPrimitive | kStringForms[i].choice;
+                record.dataType = asn1::primitive(kStringForms[i].choice);
             }
         }
         if (is_new(kDirectoryName, names, out)) {
@@ -117,7 +120,7 @@ public:
         std::copy(names.present.begin(), names.present.end(), out.present);
     }
 
-private:
+  private:
     static bool is_new(uint32_t choice, const GeneralNames &names, const ZI_GeneralName &out) {
         return names.present[choice] != 0 && out.present[choice] == 0;
     }

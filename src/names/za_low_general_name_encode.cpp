@@ -136,7 +136,7 @@ Status encode_general_name(ZI_GeneralName &record, Chain &out) {
             return write_form(record, choice, OtherValue::bare, out);
         }
     }
-    return trace.fail(Status::attribute_not_supported, "------>ZACERT_AttributeNotSupportErr");
+    return trace.fail(Status::attribute_not_supported);
 }
 
 Status encode_general_names(ZI_GeneralName &record, Chain &out) {

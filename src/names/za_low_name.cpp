@@ -11,6 +11,11 @@ constexpr za::TraceSource trace{".\\src\\za_low"};
 
 }  // namespace
 
+// Programs are linked against this layout, whose beginning is that of an object identifier.
+static_assert(sizeof(void *) != 8 ||
+              (sizeof(ZI_NameEntry) == 96 && offsetof(ZI_NameEntry, attrOid) == 8 &&
+               offsetof(ZI_NameEntry, attrValue) == 48 && offsetof(ZI_NameEntry, nextEntry) == 88));
+
 namespace za::names {
 namespace {
 

@@ -30,7 +30,7 @@ Bytes oid_of_kind(uint32_t kind);  // empty where the table has no row
 // Owns entries of one heap block each, with the octets of type and value behind the entry itself.
 // They never leave the library: what is handed out is made by CallerEntries.
 class NameList {
-public:
+  public:
     NameList() = default;
     NameList(NameList &&other) noexcept { swap(other); }
     NameList &operator=(NameList &&other) noexcept {
@@ -57,14 +57,14 @@ public:
         std::swap(tail_, other.tail_);
     }
 
-private:
+  private:
     ZI_Name name_{};
     ZI_NameEntry *tail_ = nullptr;
 };
 
 // Entries as the interface hands them out, with blocks of their own for ZI_FreeName.
 class CallerEntries {
-public:
+  public:
     CallerEntries() = default;
     CallerEntries(const CallerEntries &) = delete;
     CallerEntries &operator=(const CallerEntries &) = delete;
@@ -75,7 +75,7 @@ public:
     // Only in the last statement before success.
     ZI_NameEntry *release() { return std::exchange(first_, nullptr); }
 
-private:
+  private:
     ZI_NameEntry *first_ = nullptr;
 };
 

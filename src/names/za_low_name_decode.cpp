@@ -30,7 +30,7 @@ Status decode_attribute(const asn1::Element &attribute, NameList &out) {
     asn1::Element type;
     asn1::Element value;
     if (!fields.next(type) || !fields.next(value)) {
-        return trace.fail(Status::invalid_item, "------>ZACERT_InvalidItem");
+        return trace.fail(Status::invalid_item);
     }
     // type OBJECT IDENTIFIER
     Bytes oid;

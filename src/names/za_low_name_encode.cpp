@@ -112,7 +112,7 @@ Status write_attribute(ZI_NameEntry &entry, uint8_t chosen, Chain &out) {
     Chain fields;
     // type OBJECT IDENTIFIER
     if (asn1::write_object_id(bytes_of(entry.attrOid), fields) != Status::ok) {
-        return trace.fail(Status::memory, "------>ZAPR_Malloc");
+        return trace.fail(Status::memory);
     }
     // value, by the rule of its kind or as chosen
     ZA_PASS(chosen == 0 ? write_value(entry.attrKind, entry.attrValue, fields)

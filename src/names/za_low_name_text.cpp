@@ -40,7 +40,7 @@ bool has_key(uint32_t kind) {
 
 // Text that is counted in a first run and written in a second.
 class DnText {
-public:
+  public:
     explicit DnText(uint8_t *to) : to_(to) {}
 
     void add(Bytes octets) {
@@ -53,7 +53,7 @@ public:
     void begin_component() { add(size_ == 0 ? "" : ","); }
     size_t size() const { return size_; }
 
-private:
+  private:
     uint8_t *to_;
     size_t size_ = 0;
 };

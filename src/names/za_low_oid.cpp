@@ -43,7 +43,7 @@ uint64_t first_arc(uint64_t number) {
 }
 
 class TextWriter {
-public:
+  public:
     explicit TextWriter(std::span<uint8_t> area)
         : begin_(reinterpret_cast<char *>(area.data())), to_(begin_), end_(begin_ + area.size()) {}
 
@@ -51,7 +51,7 @@ public:
     void add(char c) { *to_++ = c; }
     size_t size() const { return static_cast<size_t>(to_ - begin_); }
 
-private:
+  private:
     char *begin_;
     char *to_;
     char *end_;
@@ -100,13 +100,13 @@ Bytes dotted_text(const char *text, uint32_t length) {
 
 Status oid_from_text(Bytes text, Octets &out) {
     if (text.empty() || text.front() == 0) {
-        return trace.fail(Status::general, "------>ZACERT_GeneralErr");
+        return trace.fail(Status::general);
     }
     size_t size = 0;
     const bool valid =
         each_subidentifier(text_of(text), [&](uint32_t number) { size += base128_octets(number); });
     if (!valid || size > kMostOidOctets) {
-        return trace.fail(Status::invalid_algorithm, "------>ZACERT_IvaliedAlgo");
+        return trace.fail(Status::invalid_algorithm);
     }
     Octets content;
     ZA_PASS(content.allocate(size));

@@ -17,7 +17,7 @@ constexpr bool is_surrogate(char32_t c) {
 // The characters of a text up to the first octets that are invalid in its form. That there are such
 // octets is only noted here: a character before them may fail to be written, and decides then.
 class Characters {
-public:
+  public:
     Status allocate(size_t most) { return block_.allocate(most * sizeof(char32_t)); }
 
     void add(char32_t c) { data()[size_++] = c; }
@@ -32,7 +32,7 @@ public:
     }
     bool invalid() const { return invalid_; }
 
-private:
+  private:
     char32_t *data() { return reinterpret_cast<char32_t *>(block_.data()); }
 
     Octets block_;

@@ -8,6 +8,11 @@ constexpr za::TraceSource trace{".\\src\\za_low"};
 
 }  // namespace
 
+// Programs are linked against these layouts.
+static_assert(sizeof(void *) != 8 || (sizeof(Anybuf) == 40 && offsetof(Anybuf, next) == 24));
+static_assert(sizeof(void *) != 8 || (sizeof(ZA_AlgorithmIdentifier) == 48 &&
+                                      offsetof(ZA_AlgorithmIdentifier, parameters) == 8));
+
 namespace za {
 namespace {
 

@@ -16,7 +16,7 @@ Status set_value(Anybuf &record, Bytes bytes);
 
 // Owns a chain of records of the library's heap and knows its tail.
 class Chain {
-public:
+  public:
     Chain() = default;
     Chain(Chain &&other) noexcept { swap(other); }
     Chain &operator=(Chain &&other) noexcept {
@@ -46,7 +46,7 @@ public:
         std::swap(tail_, other.tail_);
     }
 
-private:
+  private:
     Anybuf *head_ = nullptr;
     Anybuf *tail_ = nullptr;
 };

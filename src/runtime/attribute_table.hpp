@@ -37,7 +37,7 @@ struct AttributeRow {
 
 template <class Context>
 class AttributeTable {
-public:
+  public:
     using Row = AttributeRow<Context>;
 
     constexpr explicit AttributeTable(std::span<const Row> rows) : rows_(rows) {}
@@ -92,7 +92,7 @@ public:
         return row->get_int(context, *out);
     }
 
-private:
+  private:
     const Row *find(int32_t id) const {
         const auto row = std::ranges::lower_bound(rows_, id, {}, &Row::id);
         return row != rows_.end() && row->id == id ? &*row : nullptr;

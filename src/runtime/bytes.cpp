@@ -20,7 +20,7 @@ Status Octets::allocate(size_t size) {
                 ZAPR_Malloc(__FILE_NAME__, __LINE__, static_cast<uint32_t>(size)));
         }
         if (fresh.data_ == nullptr) {
-            return trace.fail(Status::memory, "------>ZAPR_Malloc");
+            return trace.fail(Status::memory);
         }
         fresh.size_ = size;
     }
@@ -42,7 +42,9 @@ void hand_out(Bytes bytes, uint8_t *out, uint32_t *out_len) {
 }
 
 void wipe(void *secret, size_t size) noexcept {
-    explicit_bzero(secret, size);
+    if (size > 0) {
+        explicit_bzero(secret, size);
+    }
 }
 
 }  // namespace za

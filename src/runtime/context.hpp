@@ -11,7 +11,7 @@ Status create_context(const TraceSource &trace, void **out) {
     ZA_PASS(trace.need(out));
     Context *context = make_in_heap<Context>();
     if (context == nullptr) {
-        return trace.fail(Status::memory, "------>ZAPR_Malloc");
+        return trace.fail(Status::memory);
     }
     *out = context;
     return Status::ok;

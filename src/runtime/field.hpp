@@ -7,7 +7,7 @@
 namespace za {
 
 class Field {
-public:
+  public:
     // A copy; on failure the old value stays.
     Status assign(Bytes bytes) {
         ZA_PASS(own_.assign(bytes));
@@ -31,7 +31,7 @@ public:
     // Storage without octets, which setters of replaceable values refuse to replace.
     bool holds_empty_storage() const { return view_.data() != nullptr && view_.empty(); }
 
-private:
+  private:
     Octets own_;
     Bytes view_;
 };

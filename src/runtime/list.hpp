@@ -31,7 +31,7 @@ class List {
         Node *next = nullptr;
     };
 
-public:
+  public:
     List() = default;
     List(const List &) = delete;
     List &operator=(const List &) = delete;
@@ -45,7 +45,7 @@ public:
     Status append(const TraceSource &trace, T &&value) {
         Node *node = make_in_heap<Node>(std::move(value));
         if (node == nullptr) {
-            return trace.fail(Status::memory, "------>ZAPR_Malloc");
+            return trace.fail(Status::memory);
         }
         (last_ == nullptr ? first_ : last_->next) = node;
         last_ = node;
@@ -54,7 +54,7 @@ public:
     }
 
     class Iterator {
-    public:
+      public:
         explicit Iterator(const Node *node) : node_(node) {}
         const T &operator*() const { return node_->value; }
         const T *operator->() const { return &node_->value; }
@@ -64,7 +64,7 @@ public:
         }
         bool operator==(const Iterator &other) const = default;
 
-    private:
+      private:
         const Node *node_;
     };
 
@@ -75,7 +75,7 @@ public:
     const T &front() const { return first_->value; }
     const T &back() const { return last_->value; }
 
-private:
+  private:
     Node *first_ = nullptr;
     Node *last_ = nullptr;
     size_t size_ = 0;

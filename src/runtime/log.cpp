@@ -23,7 +23,7 @@ std::string_view text_or_empty(const char *text) {
 
 // Text for the log in a block whose size was reckoned before.
 class Builder {
-public:
+  public:
     bool reserve(uint64_t size) {
         return za::fits_u32(size) && block_.allocate(size) == za::Status::ok;
     }
@@ -46,7 +46,7 @@ public:
     }
     std::string_view text() const { return za::text_of(block_.bytes().first(used_)); }
 
-private:
+  private:
     za::Octets block_;
     size_t used_ = 0;
 };

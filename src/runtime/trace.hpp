@@ -29,7 +29,7 @@ void write_trace(const char *source, uint32_t line, const TraceText &text) noexc
 
 // The family of source files that a line names. Every .cpp file that traces defines one `trace`.
 class TraceSource {
-public:
+  public:
     constexpr explicit TraceSource(const char *source) : source_(source) {}
 
     void note(const TraceText &text, uint32_t line = __builtin_LINE()) const noexcept {
@@ -42,11 +42,14 @@ public:
         return status;
     }
 
+    // A condition that the function itself detects, told by the name of its code.
+    [[gnu::cold, gnu::noinline]] Status fail(Status status,
+                                             uint32_t line = __builtin_LINE()) const noexcept;
+
     // The arguments that must not be NULL.
     template <class... Pointers>
     Status need(Pointers... pointers) const noexcept {
-        return ((pointers != nullptr) && ...) ? Status::ok
-                                              : fail(Status::general, "------>ZACERT_GeneralErr");
+        return ((pointers != nullptr) && ...) ? Status::ok : fail(Status::general);
     }
 
     // The frame of an exported function called by the application: Begin, body, End on success.
@@ -67,7 +70,7 @@ public:
         return static_cast<uint32_t>(body());
     }
 
-private:
+  private:
     const char *source_;
 };
 

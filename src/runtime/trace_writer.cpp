@@ -2,26 +2,15 @@
 #include "runtime/log_file.hpp"
 #include "runtime/trace.hpp"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstring>
 
 namespace za {
 namespace {
 
 // Longer lines, which only an application's own texts can be, are put together on the heap.
 constexpr size_t kLineOnStack = 512;
-
-struct Line {
-    char *end;
-    void add(std::string_view text) {
-        // An empty piece may have no octets to point to.
-        if (!text.empty()) {
-            std::memcpy(end, text.data(), text.size());
-            end += text.size();
-        }
-    }
-};
 
 }  // namespace
 
@@ -47,11 +36,11 @@ void write_trace(const char *source, uint32_t line, const TraceText &text) noexc
         start = static_cast<char *>(on_heap);
     }
 
-    Line assembled{start};
+    char *end = start;
     for (const std::string_view piece : pieces) {
-        assembled.add(piece);
+        end = std::copy(piece.begin(), piece.end(), end);
     }
-    assembled.add("\n");
+    *end = '\n';
     append_to_file(kTraceLog, {start, size});
     ZAPR_Free(on_heap);
 }

@@ -24,7 +24,7 @@ Octets convert(Converter converter, const Octets &in, uint32_t *status = nullptr
 
 // The oracle: the C library's table of another name, asked one character at a time.
 class GbkTable {
-public:
+  public:
     explicit GbkTable(const char *to) : handle_(iconv_open(to, "GBK")) {}
     ~GbkTable() { iconv_close(handle_); }
     GbkTable(const GbkTable &) = delete;
@@ -41,7 +41,7 @@ public:
         return known ? Octets(area.data(), to) : Octets{};
     }
 
-private:
+  private:
     iconv_t handle_;
 };
 

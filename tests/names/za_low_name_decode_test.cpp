@@ -1,8 +1,8 @@
-#include "support/heap.hpp"
 #include "names/za_low_name.hpp"
-#include "names/za_low_oid.hpp"
-#include "support/trace.hpp"
 #include "names/za_low_name_support.hpp"
+#include "names/za_low_oid.hpp"
+#include "support/heap.hpp"
+#include "support/trace.hpp"
 
 #include <gtest/gtest.h>
 

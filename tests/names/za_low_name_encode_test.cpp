@@ -1,7 +1,7 @@
-#include "support/heap.hpp"
 #include "names/za_low_name.hpp"
-#include "support/trace.hpp"
 #include "names/za_low_name_support.hpp"
+#include "support/heap.hpp"
+#include "support/trace.hpp"
 
 #include <array>
 #include <gtest/gtest.h>

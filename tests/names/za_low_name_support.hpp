@@ -27,7 +27,7 @@ inline constexpr const char *kBmpName =
 
 // Owns entries whose octets lie outside the library's heap.
 class Entries {
-public:
+  public:
     void add(uint32_t kind, const Octets &oid, const Octets &value, uint32_t type = 0) {
         octets_.push_back(oid);
         octets_.push_back(value);
@@ -47,7 +47,7 @@ public:
     }
     const ZI_NameEntry &operator[](size_t i) const { return entries_[i]; }
 
-private:
+  private:
     std::vector<Octets> octets_;
     std::vector<ZI_NameEntry> entries_;
     std::vector<uint32_t> types_;

@@ -1,6 +1,6 @@
+#include "names/za_low_name_support.hpp"
 #include "support/heap.hpp"
 #include "support/trace.hpp"
-#include "names/za_low_name_support.hpp"
 
 #include <gtest/gtest.h>
 

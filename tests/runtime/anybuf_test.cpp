@@ -5,20 +5,11 @@
 #include "support/heap.hpp"
 #include "support/trace.hpp"
 
-#include <cstddef>
 #include <gtest/gtest.h>
 #include <string>
 
 namespace za::test {
 namespace {
-
-// Programs are compiled against these places.
-static_assert(sizeof(Anybuf) == 40 && offsetof(Anybuf, dataLen) == 8 &&
-              offsetof(Anybuf, unusedBits) == 12 && offsetof(Anybuf, bufFlag) == 16 &&
-              offsetof(Anybuf, dataType) == 20 && offsetof(Anybuf, next) == 24 &&
-              offsetof(Anybuf, prev) == 32);
-static_assert(sizeof(ZA_AlgorithmIdentifier) == 48 &&
-              offsetof(ZA_AlgorithmIdentifier, parameters) == 8);
 
 bool is_empty(const Anybuf &record) {
     return record.data == nullptr && record.dataLen == 0 && record.unusedBits == 0 &&

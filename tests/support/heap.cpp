@@ -3,8 +3,10 @@
 
 #include <zacert.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <utility>
 
 namespace za::test {
@@ -14,6 +16,8 @@ size_t live = 0;
 HeapCount count;
 size_t until_failure = 0;
 bool failed = false;
+std::span<const uint8_t> sought;
+bool sought_found = false;
 
 bool fails_now() {
     if (until_failure == 0 || --until_failure > 0) {
@@ -21,6 +25,15 @@ bool fails_now() {
     }
     failed = true;
     return true;
+}
+
+void look_for_secret(const void *block) {
+    if (block == nullptr || sought.empty()) {
+        return;
+    }
+    const auto *first = static_cast<const uint8_t *>(block);
+    const uint8_t *last = first + malloc_usable_size(const_cast<void *>(block));
+    sought_found = sought_found || std::search(first, last, sought.begin(), sought.end()) != last;
 }
 
 // Far above any run here: a call that never ends its allocations must not hang the test.
@@ -77,6 +90,19 @@ NoLeak::~NoLeak() {
     EXPECT_EQ(live, before_) << "blocks left over";
 }
 
+FreedSecret::FreedSecret(std::span<const uint8_t> secret) {
+    sought = secret;
+    sought_found = false;
+}
+
+FreedSecret::~FreedSecret() {
+    sought = {};
+}
+
+bool FreedSecret::found() const {
+    return sought_found;
+}
+
 }  // namespace za::test
 
 void *ZAPR_Malloc(const char *, uint32_t, uint32_t size) {
@@ -92,6 +118,7 @@ void *ZAPR_Malloc(const char *, uint32_t, uint32_t size) {
 }
 
 uint32_t ZAPR_Free(void *block) {
+    za::test::look_for_secret(block);
     za::test::live -= block != nullptr ? 1 : 0;
     std::free(block);
     return 0;

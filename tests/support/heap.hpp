@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <span>
 
 namespace za::test {
 
@@ -40,14 +41,25 @@ void expect_allocation_faults_survived(const std::function<uint32_t()> &call,
 
 // Fails the test when blocks are left over at the end of a scope.
 class NoLeak {
-public:
+  public:
     NoLeak();
     ~NoLeak();
     NoLeak(const NoLeak &) = delete;
     NoLeak &operator=(const NoLeak &) = delete;
 
-private:
+  private:
     size_t before_;
+};
+
+// Looks into every block that is freed in its scope for a secret that should have been wiped.
+class FreedSecret {
+  public:
+    explicit FreedSecret(std::span<const uint8_t> secret);
+    ~FreedSecret();
+    FreedSecret(const FreedSecret &) = delete;
+    FreedSecret &operator=(const FreedSecret &) = delete;
+
+    bool found() const;
 };
 
 }  // namespace za::test

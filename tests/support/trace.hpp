@@ -8,7 +8,7 @@ namespace za::test {
 
 // Forgets what was remembered and begins to remember; lines are dropped while nobody records.
 class TraceRecord {
-public:
+  public:
     TraceRecord();
     ~TraceRecord();
     TraceRecord(const TraceRecord &) = delete;

@@ -1,0 +1,222 @@
+#include "cert/za_cert_accessors.hpp"
+
+#include "names/za_low_oid.hpp"
+#include "runtime/trace.hpp"
+
+#include <bit>
+
+namespace {
+
+constexpr za::TraceSource trace{".\\src\\za_cert"};
+
+}  // namespace
+
+namespace za::cert {
+
+void set_version(Certificate &cert, int32_t value) {
+    cert.has_version = true;
+    cert.version = static_cast<uint32_t>(value);
+}
+
+Status get_version(const Certificate &cert, uint32_t &out) {
+    out = cert.version;
+    return Status::ok;
+}
+
+Status set_issuer_der(Certificate &cert, const Row &, Bytes value) {
+    if (cert.issuer.der.holds_empty_storage()) {
+        return trace.fail(Status::general);
+    }
+    return cert.issuer.der.assign(value);
+}
+
+Bytes first_of_kind(const names::NameList &entries, uint32_t kind) {
+    const ZI_NameEntry *entry = entries.first();
+    while (entry != nullptr && entry->attrKind != kind) {
+        entry = entry->nextEntry;
+    }
+    return entry == nullptr ? Bytes{} : bytes_of(entry->attrValue);
+}
+
+// A first walk counts, a second one writes.
+Status join_units(Name &name, uint32_t kind, Bytes &out) {
+    constexpr std::string_view kJoint = ",OU=";
+    size_t size = 0;
+    size_t num_units = 0;
+    for (auto *entry = name.entries.first(); entry != nullptr; entry = entry->nextEntry) {
+        if (entry->attrKind == kind) {
+            size += bytes_of(entry->attrValue).size() + kJoint.size();
+            ++num_units;
+        }
+    }
+    if (num_units <= 1) {
+        out = first_of_kind(name.entries, kind);
+        return Status::ok;
+    }
+    Octets joined;
+    ZA_PASS(joined.allocate(size - kJoint.size()));
+    uint8_t *place = joined.data();
+    std::string_view joint;
+    for (auto *entry = name.entries.first(); entry != nullptr; entry = entry->nextEntry) {
+        if (entry->attrKind == kind) {
+            place = put(put(place, bytes_of(joint)), bytes_of(entry->attrValue));
+            joint = kJoint;
+        }
+    }
+    name.joined_units.take(std::move(joined));
+    out = name.joined_units.bytes();
+    return Status::ok;
+}
+
+Status text_of_name(Name &name, Bytes &out) {
+    if (!name.text_made) {
+        Octets text;
+        if (names::get_dn(name.entries.first(), text) != Status::ok) {
+            trace.note("======>Get ZI_GetDN Len");
+            out = {};
+            return Status::ok;
+        }
+        name.text.take(std::move(text));
+        name.text_made = true;
+    }
+    out = name.text.bytes();
+    return Status::ok;
+}
+
+Status replace_string_types(Name &name, Bytes value) {
+    if (value.size() > kStringTypes) {
+        return trace.fail(Status::general);
+    }
+    put(name.string_types.data(), value);
+    return Status::ok;
+}
+
+Status set_curve(Certificate &cert, const Row &, Bytes value) {
+    if (cert.key.parameters.holds_empty_storage()) {
+        return trace.fail(Status::general, "--------->ZACert_SetECCCertPublicKey Error");
+    }
+    ZA_PASS(cert.key.parameters.assign(value));
+    cert.key.kind = kNamedCurve;
+    return Status::ok;
+}
+
+Status refuse_second_value(const Row &row) {
+    if (row.id == CERT_SUBJECT_ALT_DNSNAME ||
+        row.id == CERT_SUBJECT_ALT_UNIFORMRESOURCEIDENTIFIER) {
+        return trace.fail(Status::attribute_already_set,
+                          "------>CERT_SUBJECT_ALT_DNSNAME ZACERT_AttributeAlreadySet");
+    }
+    return trace.fail(Status::attribute_already_set);
+}
+
+namespace {
+
+// Two octets hold nine bits; of one octet those below its lowest set bit are unused.
+Status count_unused_bits(Bytes value, uint32_t &out) {
+    if (value.empty() || value.size() > 2) {
+        return trace.fail(Status::general, "------>CertTex_KeyUsage_SetUnuseBit  Err");
+    }
+    constexpr uint32_t kUnusedOfTwoOctets = 7;
+    const uint32_t lowest = value[0] == 0 ? 0 : static_cast<uint32_t>(std::countr_zero(value[0]));
+    out = value.size() == 2 ? kUnusedOfTwoOctets : lowest;
+    return Status::ok;
+}
+
+}  // namespace
+
+Status set_key_usage(Certificate &cert, const Row &row, Bytes value) {
+    ZA_PASS((set_value_once<&Certificate::key_usage, &KeyUsage::value, Criticality::raised>(
+        cert, row, value)));
+    cert.key_usage.unused_bits = 0;
+    if (count_unused_bits(value, cert.key_usage.unused_bits) != Status::ok) {
+        return trace.fail(Status::attribute_already_set, "----->Set CertTex_KeyUsage_SetUnuseBit");
+    }
+    return Status::ok;
+}
+
+Status add_purpose(Certificate &cert, const Row &, Bytes dotted) {
+    Octets oid;
+    const Status converted = names::oid_from_text(dotted, oid);
+    if (converted == Status::memory) {
+        return converted;
+    }
+    if (converted != Status::ok) {
+        return trace.fail(Status::invalid_item,
+                          "------>CERTEX_EXTKEY_USAGE_OID_DEFINE: input oid is invalid.");
+    }
+    Field purpose;
+    purpose.take(std::move(oid));
+    ZA_PASS(cert.extended_key_usage.purposes.append(trace, std::move(purpose)));
+    mark_set<&Certificate::extended_key_usage>(cert);
+    return Status::ok;
+}
+
+Status set_policy(Certificate &cert, const Row &row, Bytes oid) {
+    if (cert.policies.state.set) {
+        return Status::ok;
+    }
+    return set_value<&Certificate::policies, &CertificatePolicies::policy>(cert, row, oid);
+}
+
+Status add_cps_uri(Certificate &cert, const Row &, Bytes uri) {
+    Field copy;
+    ZA_PASS(copy.assign(uri));
+    ZA_PASS(cert.policies.cps_uris.append(trace, std::move(copy)));
+    cert.extensions_changed = true;
+    return Status::ok;
+}
+
+Status set_other_name_tag(Certificate &cert, const Row &, Bytes value) {
+    cert.subject_alternative_name.other_name_tag = value[0];
+    mark_set<&Certificate::subject_alternative_name>(cert);
+    return Status::ok;
+}
+
+Status set_basic_constraints_critical(Certificate &cert, const Row &, Bytes value) {
+    mark_set<&Certificate::basic_constraints>(cert);
+    cert.basic_constraints.state.critical = value[0];
+    return Status::ok;
+}
+
+Status set_authority(Certificate &cert, const Row &, Bytes value) {
+    cert.basic_constraints.authority = value[0];
+    cert.basic_constraints.authority_set = true;
+    mark_set<&Certificate::basic_constraints, Criticality::raised>(cert);
+    return Status::ok;
+}
+
+Status get_authority(Certificate &cert, const Row &, Bytes &out) {
+    const BasicConstraints &constraints = cert.basic_constraints;
+    out = constraints.state.present() ? Bytes(&constraints.authority, 1) : Bytes{};
+    return Status::ok;
+}
+
+Status add_distribution_point(Certificate &cert, const Row &, Bytes uri) {
+    Field copy;
+    ZA_PASS(copy.assign(uri));
+    ZA_PASS(cert.distribution_points.uris.append(trace, std::move(copy)));
+    mark_set<&Certificate::distribution_points, Criticality::cleared>(cert);
+    return Status::ok;
+}
+
+Status get_distribution_point(Certificate &cert, const Row &, Bytes &out) {
+    const List<Field> &uris = cert.distribution_points.uris;
+    out = uris.empty() ? Bytes{} : uris.front().bytes();
+    return Status::ok;
+}
+
+Status append_access(Certificate &cert, AccessMethod method, Bytes uri) {
+    AccessDescription description{method, {}};
+    ZA_PASS(description.uri.assign(uri));
+    ZA_PASS(cert.information_access.descriptions.append(trace, std::move(description)));
+    mark_set<&Certificate::information_access>(cert);
+    return Status::ok;
+}
+
+Status add_authority_issuer_entry(Certificate &cert, const Row &row, Bytes value) {
+    ZA_PASS(cert.authority_key_identifier.issuer.append(row.kind, value));
+    mark_set<&Certificate::authority_key_identifier>(cert);
+    return Status::ok;
+}
+
+}  // namespace za::cert

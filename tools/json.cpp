@@ -1,0 +1,134 @@
+#include "json.hpp"
+
+#include "oid_names.hpp"
+#include "utf8.hpp"
+#include "wording.hpp"
+
+#include <array>
+#include <cstdio>
+
+namespace tool {
+
+namespace {
+
+std::string instant(std::chrono::sys_seconds time) {
+    return date(time) + "T" + time_of_day(time) + "Z";
+}
+
+Json key_json(const PublicKey &key) {
+    Json json{{"algorithm", label(key.algorithm)}, {"oid", key.algorithm.oid}};
+    if (key.bits != 0) {
+        json["bits"] = key.bits;
+    }
+    if (!key.curve.name.empty() || !key.curve.oid.empty()) {
+        json["curve"] = label(key.curve);
+    }
+    if (!key.curve.oid.empty()) {
+        json["curve_oid"] = key.curve.oid;
+    }
+    if (key.modulus && key.exponent) {
+        json["modulus"] = key.modulus->hex();
+        json["exponent"] = key.exponent->hex();
+    }
+    json["key"] = hex(key.octets);
+    return json;
+}
+
+Json extension_json(const Extension &extension) {
+    Json json{{"oid", extension.id.oid},
+              {"name", label(extension.id)},
+              {"critical", extension.critical},
+              {"decoded", extension.decoded()}};
+    if (!extension.problem.empty()) {
+        json["problem"] = extension.problem;
+    }
+    add_extension_value(extension, json);
+    return json;
+}
+
+Json extensions_json(const std::vector<Extension> &extensions) {
+    Json list = Json::array();
+    for (const Extension &extension : extensions) {
+        list.push_back(extension_json(extension));
+    }
+    return list;
+}
+
+// A character of the basic plane, as all unsafe ones are, in the escape of JSON.
+std::string json_escape(char32_t value) {
+    std::array<char, 8> text{};
+    std::snprintf(text.data(), text.size(), "\\u%04x", static_cast<unsigned>(value) & 0xFFFFu);
+    return text.data();
+}
+
+}  // namespace
+
+Json certificate_json(const Certificate &certificate) {
+    return {
+        {"file", is_utf8(certificate.file) ? certificate.file : printable(certificate.file)},
+        {"index", certificate.index},
+        {"version", certificate.version},
+        {"serial", certificate.serial.hex()},
+        {"signature_algorithm", identifier_json(certificate.signature_algorithm)},
+        {"issuer", name_json(certificate.issuer)},
+        {"validity",
+         {{"not_before", instant(certificate.not_before)},
+          {"not_after", instant(certificate.not_after)}}},
+        {"subject", name_json(certificate.subject)},
+        {"public_key", key_json(certificate.key)},
+        {"extensions", extensions_json(certificate.extensions)},
+        {"outer_signature_algorithm", identifier_json(certificate.outer_signature_algorithm)},
+        {"signature", hex(certificate.signature)},
+    };
+}
+
+// Outside its strings, JSON has no unsafe character but the line ends of the indentation.
+std::string json_text(const Json &json) {
+    const std::string dumped = json.dump(2);
+    std::string text;
+    std::string_view rest = dumped;
+    while (!rest.empty()) {
+        const CodePoint point = first_code_point(rest);
+        if (is_unsafe(point.value) && point.value != '\n') {
+            text += json_escape(point.value);
+        } else {
+            text += rest.substr(0, point.length);
+        }
+        rest.remove_prefix(point.length);
+    }
+    return text;
+}
+
+Json identifier_json(const NamedId &id) {
+    return {{"oid", id.oid}, {"name", label(id)}};
+}
+
+void add_text(std::string_view key, const Text &text, Json &out) {
+    const bool valid = is_utf8(text.value);
+    out[std::string(key)] = valid ? text.value : printable(text.value);
+    if (!valid) {
+        const auto *octets = reinterpret_cast<const uint8_t *>(text.value.data());
+        out["hex"] = hex({octets, text.value.size()});
+    }
+}
+
+Json rdn_json(const Rdn &rdn) {
+    Json list = Json::array();
+    for (const Attribute &attribute : rdn) {
+        Json json{{"type", label(attribute.type)}, {"oid", attribute.type.oid}};
+        add_text("value", attribute.value, json);
+        json["string_type"] = attribute.value.type;
+        list.push_back(std::move(json));
+    }
+    return list;
+}
+
+Json name_json(const Name &name) {
+    Json list = Json::array();
+    for (const Rdn &rdn : name) {
+        list.push_back(rdn_json(rdn));
+    }
+    return list;
+}
+
+}  // namespace tool

@@ -1,0 +1,61 @@
+#include "show.hpp"
+
+#include <CLI/CLI.hpp>
+#include <cstdlib>
+#include <ctime>
+#include <exception>
+#include <iostream>
+#include <map>
+
+namespace {
+
+constexpr int kUsageError = 2;
+
+constexpr const char *kExamples = R"(Examples:
+  zacert show server.pem
+  zacert show --format table /etc/ssl/certs/ca-certificates.crt
+  openssl s_client -connect example.org:443 </dev/null | zacert show --format json -)";
+
+// The library reads times in the zone of the process, while those of certificates are in UTC.
+void use_utc() {
+    setenv("TZ", "UTC", 1);
+    tzset();
+}
+
+int run(int argc, char **argv) {
+    const std::map<std::string, tool::Format> formats = {
+        {"text", tool::Format::text}, {"json", tool::Format::json}, {"table", tool::Format::table}};
+    CLI::App app{"Looks into certificates and what belongs to them."};
+    app.name("zacert");
+    app.set_version_flag("--version", "zacert " ZACERT_VERSION);
+    app.require_subcommand(1);
+    app.footer(kExamples);
+
+    std::vector<std::string> files;
+    std::string format = "text";
+    CLI::App *show = app.add_subcommand("show", "Show certificates in DER or PEM.");
+    show->footer(kExamples);
+    show->add_option("--format", format, "text, json or table")
+        ->check(CLI::IsMember(formats))
+        ->capture_default_str();
+    show->add_option("FILE", files, "DER, or PEM with any number of blocks; - is standard input")
+        ->required();
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        return app.exit(error) == 0 ? EXIT_SUCCESS : kUsageError;
+    }
+    return tool::show(files, formats.at(format)) ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+    use_utc();
+    try {
+        return run(argc, argv);
+    } catch (const std::exception &error) {
+        std::cerr << "zacert: " << error.what() << '\n';
+        return EXIT_FAILURE;
+    }
+}
