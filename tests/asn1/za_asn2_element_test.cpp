@@ -149,7 +149,7 @@ const std::map<std::string, Call> kCalls = {
 
 // "type/unused octets; ..." as a chain whose octets end where their blocks end.
 class InputChain {
-public:
+  public:
     explicit InputChain(const std::string &text) {
         for (const std::string &part : text.empty() ? Fields{} : split(text, ';')) {
             Anybuf record{};
@@ -171,7 +171,7 @@ public:
     }
     const Anybuf *head() const { return head_; }
 
-private:
+  private:
     std::list<std::unique_ptr<uint8_t[]>> blocks_;
     std::list<Anybuf> records_;
     Anybuf *head_ = nullptr;

@@ -17,7 +17,7 @@ namespace {
 
 // The zone of the process for the length of a scope.
 class Zone {
-public:
+  public:
     explicit Zone(const char *name)
         : before_(std::getenv("TZ") == nullptr ? "" : std::getenv("TZ")) {
         set(name);
@@ -26,7 +26,7 @@ public:
     Zone(const Zone &) = delete;
     Zone &operator=(const Zone &) = delete;
 
-private:
+  private:
     static void set(const char *name) {
         setenv("TZ", name, 1);
         tzset();

@@ -22,13 +22,13 @@ bool allocation_failed();
 
 // Allocations of the test itself: in its scope none fails and none is counted for fail_allocation.
 class SparedAllocation {
-public:
+  public:
     SparedAllocation();
     ~SparedAllocation();
     SparedAllocation(const SparedAllocation &) = delete;
     SparedAllocation &operator=(const SparedAllocation &) = delete;
 
-private:
+  private:
     size_t until_failure_;
 };
 

@@ -33,11 +33,11 @@ std::string text_of(const fs::path &path) {
 
 // Each test begins and ends without a log.
 class Log : public testing::Test {
-protected:
+  protected:
     Log() { clear(); }
     ~Log() override { clear(); }
 
-private:
+  private:
     static void clear() {
         fs::remove_all(trace_log());
         fs::remove(value_log());
