@@ -128,6 +128,9 @@ Status read_object_id(const Element &in, Bytes &out) {
 }
 
 Status read_long_time(const Element &in, TimeFields &out) {
+    if (in.octets.data() == nullptr) {
+        return trace.fail(Status::general, "------>ZACERT_GeneralErr");
+    }
     Header header;
     ZA_PASS(read_header(in.octets, header));
     if (header.total > in.octets.size()) {

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <malloc.h>
+#include <utility>
 
 namespace za::test {
 namespace {
@@ -75,6 +76,12 @@ void expect_allocation_faults_survived(const std::function<uint32_t()> &call, ui
             << "result " << result << " when allocation " << k << " fails";
     }
     ADD_FAILURE() << "allocations without end";
+}
+
+SparedAllocation::SparedAllocation() : until_failure_(std::exchange(until_failure, 0)) {}
+
+SparedAllocation::~SparedAllocation() {
+    until_failure = until_failure_;
 }
 
 NoLeak::NoLeak() : before_(live) {}

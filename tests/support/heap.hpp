@@ -20,6 +20,18 @@ HeapCount heap_count();  // since the process began
 void fail_allocation(size_t k);
 bool allocation_failed();
 
+// Allocations of the test itself: in its scope none fails and none is counted for fail_allocation.
+class SparedAllocation {
+  public:
+    SparedAllocation();
+    ~SparedAllocation();
+    SparedAllocation(const SparedAllocation &) = delete;
+    SparedAllocation &operator=(const SparedAllocation &) = delete;
+
+  private:
+    size_t until_failure_;
+};
+
 // Runs `call` again and again, its first allocation failing, then its second, and so on until one
 // run meets no failure. Expects of each run the undisturbed result, or 100 (or `documented`), and
 // that no block is left over. `call` releases what it is handed; where it fails it must find its
