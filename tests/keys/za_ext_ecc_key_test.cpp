@@ -4,65 +4,163 @@ using namespace za::test;
 
 namespace {
 
-Octets encode(const ZACERT_EccPubKey &key) {
-    return two_calls([&](uint8_t *out, uint32_t *len) {
-        return ZACERT_EncodeEccPubKey(&key, sizeof key, out, len);
-    });
-}
+// The functions of one kind of key as they are declared.
+template <class Key>
+struct Codec {
+    uint32_t (*encode_key)(const Key *, int32_t, uint8_t *, uint32_t *);
+    std::vector<uint32_t (*)(const uint8_t *, int32_t, Key *, uint32_t *)> decoders;
+    std::string encoder, step;  // lines of a failure
 
-uint32_t decode(const Octets &der, ZACERT_EccPubKey *key) {
-    uint32_t len = 77;
-    const uint32_t result = ZACERT_DecodeEccPubKey(der.data(), len_of(der), key, &len);
-    EXPECT_EQ(len, result == 0 ? 260u : 77u);
-    return result;
-}
+    Octets encode(const Key &key) const {
+        return two_calls(
+            [&](uint8_t *out, uint32_t *len) { return encode_key(&key, sizeof key, out, len); });
+    }
+    // The last decoder takes every form. A failure leaves the outputs as they were.
+    uint32_t decode(const Octets &der, Key *out = nullptr) const {
+        uint32_t len = 77;
+        auto key = marked<Key>();
+        const uint32_t result = decoders.back()(der.data(), len_of(der), &key, &len);
+        EXPECT_EQ(len, result == 0 ? sizeof key : 77);
+        EXPECT_TRUE(result == 0 || octets_of(key) == octets_of(marked<Key>()));
+        if (out != nullptr) {
+            *out = key;
+        }
+        return result;
+    }
+    void expect_faults_survived(const Octets &der, const Key &key) const {
+        const Trail no_memory = {"------>ZAPR_Malloc", step, encoder};
+        expect_allocation_faults_survived([&] { return decode(der); });
+        expect_allocation_faults_survived([&] {
+            uint32_t len = 77;
+            const TraceRecord record;
+            const uint32_t result = encode_key(&key, sizeof key, nullptr, &len);
+            EXPECT_TRUE(result == 0 || len == 77);
+            EXPECT_EQ(record.failures(), result == 0 ? Trail{} : no_memory);
+            return result;
+        });
+        expect_damage_survived(der, [&](const Octets &damaged) { return decode(damaged); });
+    }
+    void expect_arguments_refused() const {
+        const Key key{};
+        const int32_t size = sizeof key;
+        uint32_t len = 77;
+        const TraceRecord record;
+        EXPECT_EQ(encode_key(&key, size - 1, nullptr, &len), 101u);
+        EXPECT_EQ(encode_key(&key, size + 1, nullptr, &len), 101u);
+        EXPECT_EQ(encode_key(&key, 0, nullptr, &len), 108u);
+        EXPECT_EQ(encode_key(nullptr, size, nullptr, &len), 108u);
+        EXPECT_EQ(record.failures(), Trail(4, encoder));
+        EXPECT_EQ(encode_key(&key, size, nullptr, nullptr), 108u);
+        const Octets der = encode(key);
+        for (const auto decoder : decoders) {
+            EXPECT_EQ(decoder(nullptr, 5, nullptr, &len), 108u);
+            EXPECT_EQ(decoder(der.data(), -1, nullptr, &len), 108u);
+            EXPECT_EQ(decoder(der.data(), len_of(der), nullptr, nullptr), 108u);
+            EXPECT_EQ(len, 77u);
+        }
+    }
+};
+
+const Codec<ZACERT_EccPubKey> kPublic{ZACERT_EncodeEccPubKey,
+                                      {ZACERT_DecodeEccPubKey},
+                                      "----->ZACERT_EncodeEccPubKey",
+                                      "----->ZACERT_EncodeEccPublicKey"};
+const Codec<ZACERT_EccPriKey> kPrivate{ZACERT_EncodeEccPriKey,
+                                       {ZACERT_DecodeEccPriKey, ZACERT_DecodeEccPriKey_New},
+                                       "----->ZACERT_EncodeEccPriKey",
+                                       "----->ZACERT_EncodeEccPrivateKey"};
 
 TEST(EccPublicKey, HasTheFormOfStrings) {
     for (const auto &row : rows_of("keys/ecc_public.txt")) {
         SCOPED_TRACE(row.at(0));
         const Octets der = octets_of_cell(row.at(1));
-        auto key = marked<ZACERT_EccPubKey>();
-        EXPECT_EQ(decode(der, &key), 0u);
+        ZACERT_EccPubKey key;
+        EXPECT_EQ(kPublic.decode(der, &key), 0u);
         EXPECT_EQ(to_hex(octets_of(key)), to_hex(octets_of_cell(row.at(2))));
-        EXPECT_EQ(encode(key) == der, row.at(3) == "yes");
-        expect_damage_survived(der, [](const Octets &damaged) { return decode(damaged, nullptr); });
-        expect_allocation_faults_survived([&] {
-            uint32_t len = 77;
-            const uint32_t result = ZACERT_EncodeEccPubKey(&key, 260, nullptr, &len);
-            EXPECT_TRUE(result == 0 || len == 77);
-            return result;
-        });
+        EXPECT_EQ(kPublic.encode(key) == der, row.at(3) == "yes");
+        kPublic.expect_faults_survived(der, key);
     }
 }
 
 TEST(EccPublicKey, RefusedInput) {
-    expect_refused("ecc_public_refused.txt", [](const Octets &der) {
-        auto key = marked<ZACERT_EccPubKey>();
-        const uint32_t result = decode(der, &key);
-        EXPECT_EQ(octets_of(key), octets_of(marked<ZACERT_EccPubKey>()));
-        return result;
-    });
+    expect_refused("ecc_public_refused.txt", [](const Octets &x) { return kPublic.decode(x); });
+    kPublic.expect_arguments_refused();
 }
 
-TEST(EccPublicKey, RefusedArguments) {
-    const ZACERT_EccPubKey key{};
-    const Octets der = encode(key);
-    uint32_t len = 77;
-    for (const auto &[rec_len, code] : {std::pair{259, 101u}, {261, 101u}, {1, 101u}, {0, 108u}}) {
-        const TraceRecord record;
-        EXPECT_EQ(ZACERT_EncodeEccPubKey(&key, rec_len, nullptr, &len), code);
-        EXPECT_EQ(record.failures(), Trail{"----->ZACERT_EncodeEccPubKey"});
+Octets convert(const Octets &der, uint32_t *status = nullptr) {
+    const auto call = [&](uint8_t *out, uint32_t *len) {
+        return ZACERT_EcPrivateZqcspDerToCertDer(der.data(), uint32_t(der.size()), out, len);
+    };
+    return two_calls(call, status);
+}
+
+uint32_t conversion_result(const Octets &der) {
+    uint32_t status = 0;
+    convert(der, &status);
+    return status;
+}
+
+TEST(EccPrivateKey, ExplicitFormIsThePublicOneWithTheSecretBehind) {
+    for (const char *file : {"p256.der", "sm2.der"}) {
+        ZACERT_EccPriKey key;
+        ASSERT_EQ(kPrivate.decode(key_file(file), &key), 0u);
+        const Octets der = kPrivate.encode(key);
+        const Octets pub = kPublic.encode(key.pub);
+        EXPECT_EQ(der, sequence({content_of(pub), element(0x13, octets_of(key.d))}));
+        EXPECT_EQ(convert(der), key_file(file));
+        for (const auto decoder : kPrivate.decoders) {
+            auto back = marked<ZACERT_EccPriKey>();
+            uint32_t len = 0;
+            EXPECT_EQ(decoder(der.data(), len_of(der), &back, &len), 0u);
+            EXPECT_EQ(octets_of(back), octets_of(key));
+            EXPECT_EQ(decoder(der.data(), len_of(der), nullptr, &len), 0u);
+        }
     }
-    EXPECT_EQ(ZACERT_EncodeEccPubKey(nullptr, 260, nullptr, &len), 108u);
-    EXPECT_EQ(ZACERT_EncodeEccPubKey(&key, 260, nullptr, nullptr), 108u);
-    EXPECT_EQ(ZACERT_DecodeEccPubKey(nullptr, 5, nullptr, &len), 108u);
-    EXPECT_EQ(ZACERT_DecodeEccPubKey(der.data(), -1, nullptr, &len), 108u);
-    EXPECT_EQ(ZACERT_DecodeEccPubKey(der.data(), len_of(der), nullptr, nullptr), 108u);
-    fail_allocation(1);
+}
+
+TEST(EccPrivateKey, IsReadFromEveryFormAndBecomesSec1) {
+    for (const auto &row : rows_of("keys/ecc_private.txt")) {
+        SCOPED_TRACE(row.at(0));
+        const Octets der = octets_of_cell(row.at(1));
+        const Octets d = from_hex(row.at(2));
+        ZACERT_EccPriKey key;
+        EXPECT_EQ(kPrivate.decode(der, &key), 0u);
+        EXPECT_EQ(to_hex(key.d), to_hex(d));
+        EXPECT_EQ(to_hex(key.pub.x) + " " + to_hex(key.pub.y),
+                  to_hex(from_hex(row.at(3) + " " + row.at(4))));
+        EXPECT_EQ(to_hex(std::span(key.pub.curve.p).first(1)), row.at(5));
+        EXPECT_EQ(key.pub.curve.len1, 256);
+        EXPECT_EQ(key.pub.curve.len2, 256);
+        const Octets sec1 = octets_of_cell(row.at(7));
+        EXPECT_EQ(to_hex(convert(der)), to_hex(sec1));
+        EXPECT_EQ(conversion_result(der), number_of(row.at(6)));
+        EXPECT_EQ(convert(sec1), sec1);
+
+        const FreedSecret secret(d);
+        kPrivate.expect_faults_survived(der, key);
+        expect_allocation_faults_survived([&] { return conversion_result(der); });
+        EXPECT_FALSE(secret.found());
+        expect_damage_survived(der, conversion_result);
+    }
+}
+
+TEST(EccPrivateKey, RefusedInput) {
+    expect_refused("ecc_private_refused.txt", [](const Octets &x) { return kPrivate.decode(x); });
+    kPrivate.expect_arguments_refused();
+    const Octets sec1 = key_file("sm2.der");
+    uint32_t len = 77;
     const TraceRecord record;
-    EXPECT_EQ(ZACERT_EncodeEccPubKey(&key, 260, nullptr, &len), 100u);
-    EXPECT_EQ(record.failures(), (Trail{"------>ZAPR_Malloc", "----->ZACERT_EncodeEccPublicKey",
-                                        "----->ZACERT_EncodeEccPubKey"}));
+    EXPECT_EQ(ZACERT_DecodeEccPriKey(sec1.data(), len_of(sec1), nullptr, &len), 108u);
+    EXPECT_EQ(ZACERT_DecodeEccPriKey(sec1.data() + 2, len_of(sec1) - 2, nullptr, &len), 108u);
+    EXPECT_EQ(ZACERT_DecodeEccPriKey(sec1.data(), 0, nullptr, &len), 108u);
+    EXPECT_EQ(record.failures(),
+              (Trail{"------>pMidData[0]!=0x30", "----->ZACERT_DecodeEccCurve: ZAsn1_ReadSequence",
+                     "----->ZACERT_DecodeEccPriKey: pDerEccPri[0] != 0x30",
+                     "----->ZACERT_DecodeEccPriKey: pDerEccPri == NULL || iDerEccPriLen<=0"}));
+    EXPECT_EQ(ZACERT_EcPrivateZqcspDerToCertDer(nullptr, 5, nullptr, &len), 108u);
+    EXPECT_EQ(ZACERT_EcPrivateZqcspDerToCertDer(sec1.data(), 0, nullptr, &len), 108u);
+    EXPECT_EQ(ZACERT_EcPrivateZqcspDerToCertDer(sec1.data(), 1, nullptr, nullptr), 108u);
+    EXPECT_EQ(conversion_result(from_hex("30(02(01) 02(01))")), 122u);
     EXPECT_EQ(len, 77u);
 }
 

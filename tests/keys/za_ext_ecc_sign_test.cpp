@@ -4,10 +4,7 @@ using namespace za::test;
 
 namespace {
 
-const std::string kEncodeBegin = "======>ZA_Encode_PublicKey";
-const std::string kEncodeEnd = "=====>ZA_Encode_PublicKey End";
-const std::string kDecodeBegin = "======>ZA_Decode_SignDerDataTo SignStruct ";
-const std::string kDecodeEnd = "========>ZA_Decode_SignDerDataTo SignStruct End";
+const Trail kEncoded = {"======>ZA_Encode_PublicKey", "=====>ZA_Encode_PublicKey End"};
 
 uint32_t decode(const Octets &der, ZA_ECCSignStruct *signature) {
     return ZA_Decode_DerDataToECCSignStruct(signature, der.data(), len_of(der));
@@ -26,7 +23,8 @@ TEST(EccSignature, ComesBackOctetByOctetInTheShortestForm) {
         {
             const TraceRecord record;
             ASSERT_EQ(decode(der, &signature), 0u);
-            EXPECT_EQ(record.lines(), (Trail{kDecodeBegin, kDecodeEnd}));
+            EXPECT_EQ(record.lines(), (Trail{"======>ZA_Decode_SignDerDataTo SignStruct ",
+                                             "========>ZA_Decode_SignDerDataTo SignStruct End"}));
         }
         expect_allocation_faults_survived([&] {
             uint8_t out[72] = {};
@@ -34,8 +32,7 @@ TEST(EccSignature, ComesBackOctetByOctetInTheShortestForm) {
             const TraceRecord record;
             const uint32_t result = ZA_Encode_ECCSignStructToDerData(&signature, out, &len);
             const Trail lines = record.lines();
-            EXPECT_TRUE(result == 0 ? lines == (Trail{kEncodeBegin, kEncodeEnd})
-                                    : is_step(lines.back()) && out[0] == 0);
+            EXPECT_TRUE(result == 0 ? lines == kEncoded : is_step(lines.back()) && out[0] == 0);
             EXPECT_TRUE(result != 0 || Octets(out, out + len) == der);
             return result;
         });
@@ -54,7 +51,7 @@ TEST(EccSignature, ZeroHalves) {
         uint32_t len = 77;
         const TraceRecord record;
         EXPECT_EQ(ZA_Encode_ECCSignStructToDerData(&signature, out, &len), code);
-        EXPECT_EQ(record.lines(), (Trail{kEncodeBegin, "------>ZA_TraceZero"}));
+        EXPECT_EQ(record.lines(), (Trail{kEncoded[0], "------>ZA_TraceZero"}));
         EXPECT_EQ(len, 77u);
         EXPECT_EQ(out[0], 0xA5);
     }
@@ -71,9 +68,8 @@ TEST(EccSignature, RefusedInput) {
 
 TEST(EccSignature, NullArguments) {
     ZA_ECCSignStruct signature{};
-    uint32_t len = 77;
     const TraceRecord record;
-    EXPECT_EQ(ZA_Encode_ECCSignStructToDerData(nullptr, nullptr, &len), 100u);
+    EXPECT_EQ(ZA_Encode_ECCSignStructToDerData(nullptr, nullptr, nullptr), 100u);
     EXPECT_EQ(ZA_Decode_DerDataToECCSignStruct(nullptr, nullptr, 0), 100u);
     EXPECT_EQ(record.failures(),
               (Trail{"------>pSignStruct = NULL", "------>pSignStruct is NULL"}));

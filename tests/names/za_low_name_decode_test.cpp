@@ -24,9 +24,9 @@ TEST(Name, EveryKindHasItsObjectIdentifier) {
     std::vector<std::pair<uint32_t, Octets>> rows = {{53, from_hex("55 04 2E")},
                                                      {13, from_hex("2A 86 48 86 F7 0D 01 09 01")}};
     uint8_t arc = 3;
-    for (const uint32_t kind :
-         {22, 23, 24, 25, 26, 27, 28, 29, 30, 31, 32, 60, 33, 34, 35, 36, 37, 38, 39,
-          40, 41, 42, 43, 44, 45, 46, 47, 48, 49, 50, 51, 52, 54, 55, 56, 57, 58, 59}) {
+    for (const uint8_t kind : std::initializer_list<uint8_t>{
+             22, 23, 24, 25, 26, 27, 28, 29, 30, 31, 32, 60, 33, 34, 35, 36, 37, 38, 39,
+             40, 41, 42, 43, 44, 45, 46, 47, 48, 49, 50, 51, 52, 54, 55, 56, 57, 58, 59}) {
         rows.push_back({kind, {0x55, 0x04, arc++}});
     }
     for (const auto &[kind, oid] : rows) {

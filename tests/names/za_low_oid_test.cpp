@@ -44,7 +44,7 @@ TEST(Oid, LimitsTheContentTo1024Octets) {
     expect_allocation_faults_survived([&] {
         uint32_t len = 77;
         const uint32_t result = ZACert_GetOIDValue(text.c_str(), 0xFFFFFFFF, nullptr, &len);
-        EXPECT_EQ(len, result == 0 ? 1024u : 77u);
+        EXPECT_TRUE(result == 0 ? len == 1024 : result == 100 && len == 77) << result;
         return result;
     });
     text += ".1";
@@ -68,9 +68,7 @@ TEST(Oid, PrefixesAreThoseOfPkcs1) {
 }
 
 TEST(Oid, TextOfContent) {
-    auto rows = rows_of("names/oid_to_text.txt");
-    rows.push_back({"", ""});
-    for (const auto &row : rows) {
+    for (const auto &row : rows_of("names/oid_to_text.txt")) {
         za::Octets text;
         EXPECT_EQ(names::oid_to_text(from_hex(row.at(0)), text), Status::ok);
         EXPECT_EQ(text_of(text.bytes()), row.at(1));
