@@ -1,203 +1,167 @@
 #include "key_files.hpp"
-#include "support/heap.hpp"
-#include "support/trace.hpp"
-
-#include <cstring>
-#include <gtest/gtest.h>
 
 using namespace za::test;
 
 namespace {
 
-using Trail = std::vector<std::string>;
+// The functions of one kind of key as they are declared.
+template <class Key>
+struct Codec {
+    uint32_t (*encode_key)(const Key *, int32_t, uint8_t *, uint32_t *);
+    std::vector<uint32_t (*)(const uint8_t *, int32_t, Key *, uint32_t *)> decoders;
+    std::string encoder, step;  // lines of a failure
 
-const std::string kParameter = "----->ZACERT_DecodeEccCurve: \xB2\xCE\xCA\xFD";
-const std::string kPrime = "----->ZACERT_DecodeEccCurve: \xCB\xD8\xCA\xFD";
-const std::string kSequence = "----->ZACERT_DecodeEccCurve: ZAsn1_ReadSequence";
-
-// Every octet another, so that a field that lands in the place of its neighbour shows.
-ZACERT_EccPubKey sample() {
-    ZACERT_EccPubKey key{};
-    auto *octets = reinterpret_cast<uint8_t *>(&key);
-    for (size_t i = 0; i < sizeof key; ++i) {
-        octets[i] = uint8_t(i % 251 + 1);
+    Octets encode(const Key &key) const {
+        return two_calls(
+            [&](uint8_t *out, uint32_t *len) { return encode_key(&key, sizeof key, out, len); });
     }
-    key.curve.len1 = 256;
-    key.curve.len2 = 256;
-    return key;
-}
+    // The last decoder takes every form. A failure leaves the outputs as they were.
+    uint32_t decode(const Octets &der, Key *out = nullptr) const {
+        uint32_t len = 77;
+        auto key = marked<Key>();
+        const uint32_t result = decoders.back()(der.data(), len_of(der), &key, &len);
+        EXPECT_EQ(len, result == 0 ? sizeof key : 77);
+        EXPECT_TRUE(result == 0 || octets_of(key) == octets_of(marked<Key>()));
+        if (out != nullptr) {
+            *out = key;
+        }
+        return result;
+    }
+    void expect_faults_survived(const Octets &der, const Key &key) const {
+        const Trail no_memory = {"------>ZAPR_Malloc", step, encoder};
+        expect_allocation_faults_survived([&] { return decode(der); });
+        expect_allocation_faults_survived([&] {
+            uint32_t len = 77;
+            const TraceRecord record;
+            const uint32_t result = encode_key(&key, sizeof key, nullptr, &len);
+            EXPECT_TRUE(result == 0 || len == 77);
+            EXPECT_EQ(record.failures(), result == 0 ? Trail{} : no_memory);
+            return result;
+        });
+        expect_damage_survived(der, [&](const Octets &damaged) { return decode(damaged); });
+    }
+    void expect_arguments_refused() const {
+        const Key key{};
+        const int32_t size = sizeof key;
+        uint32_t len = 77;
+        const TraceRecord record;
+        EXPECT_EQ(encode_key(&key, size - 1, nullptr, &len), 101u);
+        EXPECT_EQ(encode_key(&key, size + 1, nullptr, &len), 101u);
+        EXPECT_EQ(encode_key(&key, 0, nullptr, &len), 108u);
+        EXPECT_EQ(encode_key(nullptr, size, nullptr, &len), 108u);
+        EXPECT_EQ(record.failures(), Trail(4, encoder));
+        EXPECT_EQ(encode_key(&key, size, nullptr, nullptr), 108u);
+        const Octets der = encode(key);
+        for (const auto decoder : decoders) {
+            EXPECT_EQ(decoder(nullptr, 5, nullptr, &len), 108u);
+            EXPECT_EQ(decoder(der.data(), -1, nullptr, &len), 108u);
+            EXPECT_EQ(decoder(der.data(), len_of(der), nullptr, nullptr), 108u);
+            EXPECT_EQ(len, 77u);
+        }
+    }
+};
 
-Octets encode(const ZACERT_EccPubKey &key) {
-    return two_calls([&](uint8_t *out, uint32_t *len) {
-        return ZACERT_EncodeEccPubKey(&key, sizeof key, out, len);
-    });
-}
-
-uint32_t decode(const Octets &der, ZACERT_EccPubKey *key) {
-    uint32_t len = 77;
-    const uint32_t result = ZACERT_DecodeEccPubKey(der.data(), len_of(der), key, &len);
-    EXPECT_EQ(len, result == 0 ? 260u : 77u);
-    return result;
-}
-
-// The form of the sample, its curve's eight elements replaced or cut by `change`.
-template <class Change>
-Octets with_curve(const Change &change) {
-    std::vector<Octets> key = children_of(encode(sample()));
-    std::vector<Octets> curve = children_of(key[0]);
-    change(curve);
-    key[0] = sequence(curve);
-    return sequence(key);
-}
+const Codec<ZACERT_EccPubKey> kPublic{ZACERT_EncodeEccPubKey,
+                                      {ZACERT_DecodeEccPubKey},
+                                      "----->ZACERT_EncodeEccPubKey",
+                                      "----->ZACERT_EncodeEccPublicKey"};
+const Codec<ZACERT_EccPriKey> kPrivate{ZACERT_EncodeEccPriKey,
+                                       {ZACERT_DecodeEccPriKey, ZACERT_DecodeEccPriKey_New},
+                                       "----->ZACERT_EncodeEccPriKey",
+                                       "----->ZACERT_EncodeEccPrivateKey"};
 
 TEST(EccPublicKey, HasTheFormOfStrings) {
-    const ZACERT_EccPubKey key = sample();
-    const Octets der = encode(key);
-    EXPECT_EQ(der.size(), 287u);
-    const std::vector<Octets> fields = children_of(der);
-    ASSERT_EQ(fields.size(), 3u);
-    const std::vector<Octets> curve = children_of(fields[0]);
-    ASSERT_EQ(curve.size(), 8u);
-    const uint8_t(*const octets[])[32] = {&key.curve.p,  &key.curve.a,  &key.curve.b,
-                                          &key.curve.gx, &key.curve.gy, &key.curve.n};
-    for (size_t i = 0; i < std::size(octets); ++i) {
-        EXPECT_EQ(curve[i], element(0x13, Octets(*octets[i], *octets[i] + 32))) << i;
-    }
-    EXPECT_EQ(to_hex(curve[6]), "02 02 01 00");
-    EXPECT_EQ(to_hex(curve[7]), "02 02 01 00");
-    EXPECT_EQ(fields[1], element(0x13, Octets(key.x, key.x + 32)));
-    EXPECT_EQ(fields[2], element(0x13, Octets(key.y, key.y + 32)));
-
-    ZACERT_EccPubKey back;
-    memset(&back, 0xA5, sizeof back);
-    EXPECT_EQ(decode(der, &back), 0u);
-    EXPECT_EQ(memcmp(&back, &key, sizeof key), 0);
-    EXPECT_EQ(decode(der, nullptr), 0u);
-}
-
-TEST(EccPublicKey, AFieldOfZerosIsAnEmptyString) {
-    ZACERT_EccPubKey key = sample();
-    memset(key.curve.a, 0, sizeof key.curve.a);
-    key.curve.len1 = 65535;
-    key.curve.len2 = 0;
-    const Octets der = encode(key);
-    const std::vector<Octets> curve = children_of(children_of(der)[0]);
-    EXPECT_EQ(to_hex(curve[1]), "13 00");
-    EXPECT_EQ(to_hex(curve[6]), "02 03 00 FF FF");
-    EXPECT_EQ(to_hex(curve[7]), "02 01 00");
-    ZACERT_EccPubKey back;
-    EXPECT_EQ(decode(der, &back), 0u);
-    EXPECT_EQ(memcmp(&back, &key, sizeof key), 0);
-}
-
-TEST(EccPublicKey, ShortStringsFillTheStartAndLengthsTheirLowBits) {
-    const Octets der = with_curve([](std::vector<Octets> &curve) {
-        curve[2] = from_hex("13 02 AB CD");
-        curve[6] = from_hex("02 03 01 00 05");
-    });
-    ZACERT_EccPubKey key;
-    ASSERT_EQ(decode(der, &key), 0u);
-    EXPECT_EQ(to_hex(std::span(key.curve.b).first(4)), "AB CD 00 00");
-    EXPECT_EQ(key.curve.b[31], 0);
-    EXPECT_EQ(key.curve.len1, 5);
-}
-
-TEST(EccPublicKey, EveryElementIsNeededAndHasItsLine) {
-    const std::string texts[] = {kPrime + "p",       kParameter + "a",  kParameter + "b",
-                                 kParameter + "gx",  kParameter + "gy", kParameter + "n",
-                                 kParameter + "len", kParameter + "len"};
-    const Octets large = element(0x13, Octets(33, 0x11));
-    for (size_t k = 0; k < 8; ++k) {
-        const Octets missing = with_curve([&](std::vector<Octets> &curve) { curve.resize(k); });
-        const TraceRecord record;
-        ZACERT_EccPubKey key = sample();
-        EXPECT_EQ(decode(missing, &key), 113u);
-        EXPECT_EQ(record.failures(), Trail{texts[k]});
-        const ZACERT_EccPubKey untouched = sample();
-        EXPECT_EQ(memcmp(&key, &untouched, sizeof key), 0);
-        if (k < 6) {
-            const TraceRecord again;
-            EXPECT_EQ(
-                decode(with_curve([&](std::vector<Octets> &curve) { curve[k] = large; }), &key),
-                101u);
-            EXPECT_EQ(again.failures(), Trail{texts[k]});
-        }
+    for (const auto &row : rows_of("keys/ecc_public.txt")) {
+        SCOPED_TRACE(row.at(0));
+        const Octets der = octets_of_cell(row.at(1));
+        ZACERT_EccPubKey key;
+        EXPECT_EQ(kPublic.decode(der, &key), 0u);
+        EXPECT_EQ(to_hex(octets_of(key)), to_hex(octets_of_cell(row.at(2))));
+        EXPECT_EQ(kPublic.encode(key) == der, row.at(3) == "yes");
+        kPublic.expect_faults_survived(der, key);
     }
 }
 
 TEST(EccPublicKey, RefusedInput) {
-    const std::vector<Octets> fields = children_of(encode(sample()));
-    const Octets large = element(0x13, Octets(33, 0x11));
-    const std::string no_input =
-        "----->ZACERT_DecodeEccPubKey: pDerEccPub == NULL || iDerEccPubLen<=0";
-    const struct {
-        Octets der;
-        uint32_t code;
-        Trail trail;
-    } rows[] = {
-        {{}, 108, {no_input}},
-        {{0x31, 0x00}, 108, {"----->ZACERT_DecodeEccPubKey: pDerEccPub[0] != 0x30"}},
-        {{0x30, 0x01}, 102, {"------>ZACERT_LengthNotEqualErr", kSequence}},
-        {sequence({}), 113, {kSequence}},
-        {sequence({{0x05, 0x00}, fields[1], fields[2]}),
-         108,
-         {"----->ZACERT_DecodeEccCurve: \xCB\xBD\xD4\xBF"
-          "DER"
-          "\xCA\xFD\xBE\xDD\xBD\xE1\xB9\xB9"
-          "\xCE\xAA\xBF\xD5"}},
-        {sequence({fields[1], fields[1], fields[2]}), 108, {"------>pMidData[0]!=0x30", kSequence}},
-        {sequence({fields[0]}), 113, {kParameter + "gx"}},
-        {sequence({fields[0], fields[1]}), 113, {kParameter + "gy"}},
-        {sequence({fields[0], large, fields[2]}), 101, {kParameter + "gx"}},
-        {sequence({fields[0], fields[1], large}), 101, {kParameter + "gy"}},
+    expect_refused("ecc_public_refused.txt", [](const Octets &x) { return kPublic.decode(x); });
+    kPublic.expect_arguments_refused();
+}
+
+Octets convert(const Octets &der, uint32_t *status = nullptr) {
+    const auto call = [&](uint8_t *out, uint32_t *len) {
+        return ZACERT_EcPrivateZqcspDerToCertDer(der.data(), uint32_t(der.size()), out, len);
     };
-    for (const auto &row : rows) {
-        ZACERT_EccPubKey key;
-        const TraceRecord record;
-        EXPECT_EQ(decode(row.der, &key), row.code) << to_hex(row.der);
-        EXPECT_EQ(record.failures(), row.trail) << to_hex(row.der);
+    return two_calls(call, status);
+}
+
+uint32_t conversion_result(const Octets &der) {
+    uint32_t status = 0;
+    convert(der, &status);
+    return status;
+}
+
+TEST(EccPrivateKey, ExplicitFormIsThePublicOneWithTheSecretBehind) {
+    for (const char *file : {"p256.der", "sm2.der"}) {
+        ZACERT_EccPriKey key;
+        ASSERT_EQ(kPrivate.decode(key_file(file), &key), 0u);
+        const Octets der = kPrivate.encode(key);
+        const Octets pub = kPublic.encode(key.pub);
+        EXPECT_EQ(der, sequence({content_of(pub), element(0x13, octets_of(key.d))}));
+        EXPECT_EQ(convert(der), key_file(file));
+        for (const auto decoder : kPrivate.decoders) {
+            auto back = marked<ZACERT_EccPriKey>();
+            uint32_t len = 0;
+            EXPECT_EQ(decoder(der.data(), len_of(der), &back, &len), 0u);
+            EXPECT_EQ(octets_of(back), octets_of(key));
+            EXPECT_EQ(decoder(der.data(), len_of(der), nullptr, &len), 0u);
+        }
     }
 }
 
-TEST(EccPublicKey, RefusedArguments) {
-    const ZACERT_EccPubKey key = sample();
-    const std::pair<int32_t, uint32_t> rows[] = {
-        {259, 101}, {261, 101}, {1, 101}, {0, 108}, {-1, 108}};
-    for (const auto &[rec_len, code] : rows) {
-        uint32_t len = 77;
-        const TraceRecord record;
-        EXPECT_EQ(ZACERT_EncodeEccPubKey(&key, rec_len, nullptr, &len), code);
-        EXPECT_EQ(record.failures(), Trail{"----->ZACERT_EncodeEccPubKey"});
-        EXPECT_EQ(len, 77u);
+TEST(EccPrivateKey, IsReadFromEveryFormAndBecomesSec1) {
+    for (const auto &row : rows_of("keys/ecc_private.txt")) {
+        SCOPED_TRACE(row.at(0));
+        const Octets der = octets_of_cell(row.at(1));
+        const Octets d = from_hex(row.at(2));
+        ZACERT_EccPriKey key;
+        EXPECT_EQ(kPrivate.decode(der, &key), 0u);
+        EXPECT_EQ(to_hex(key.d), to_hex(d));
+        EXPECT_EQ(to_hex(key.pub.x) + " " + to_hex(key.pub.y),
+                  to_hex(from_hex(row.at(3) + " " + row.at(4))));
+        EXPECT_EQ(to_hex(std::span(key.pub.curve.p).first(1)), row.at(5));
+        EXPECT_EQ(key.pub.curve.len1, 256);
+        EXPECT_EQ(key.pub.curve.len2, 256);
+        const Octets sec1 = octets_of_cell(row.at(7));
+        EXPECT_EQ(to_hex(convert(der)), to_hex(sec1));
+        EXPECT_EQ(conversion_result(der), number_of(row.at(6)));
+        EXPECT_EQ(convert(sec1), sec1);
+
+        const FreedSecret secret(d);
+        kPrivate.expect_faults_survived(der, key);
+        expect_allocation_faults_survived([&] { return conversion_result(der); });
+        EXPECT_FALSE(secret.found());
+        expect_damage_survived(der, conversion_result);
     }
+}
+
+TEST(EccPrivateKey, RefusedInput) {
+    expect_refused("ecc_private_refused.txt", [](const Octets &x) { return kPrivate.decode(x); });
+    kPrivate.expect_arguments_refused();
+    const Octets sec1 = key_file("sm2.der");
     uint32_t len = 77;
-    const Octets der = encode(key);
-    EXPECT_EQ(ZACERT_EncodeEccPubKey(nullptr, 260, nullptr, &len), 108u);
-    EXPECT_EQ(ZACERT_EncodeEccPubKey(&key, 260, nullptr, nullptr), 108u);
-    EXPECT_EQ(ZACERT_DecodeEccPubKey(nullptr, 5, nullptr, &len), 108u);
-    EXPECT_EQ(ZACERT_DecodeEccPubKey(der.data(), -1, nullptr, &len), 108u);
-    EXPECT_EQ(ZACERT_DecodeEccPubKey(der.data(), len_of(der), nullptr, nullptr), 108u);
-    EXPECT_EQ(len, 77u);
-}
-
-TEST(EccPublicKey, WithoutMemory) {
-    const ZACERT_EccPubKey key = sample();
-    const Octets der = encode(key);
-    uint32_t len = 0;
-    expect_allocation_faults_survived(
-        [&] { return ZACERT_EncodeEccPubKey(&key, 260, nullptr, &len); });
-    expect_allocation_faults_survived([&] { return decode(der, nullptr); });
-    fail_allocation(1);
     const TraceRecord record;
-    EXPECT_EQ(ZACERT_EncodeEccPubKey(&key, 260, nullptr, &len), 100u);
-    EXPECT_EQ(record.failures(), (Trail{"------>ZAPR_Malloc", "----->ZACERT_EncodeEccPublicKey",
-                                        "----->ZACERT_EncodeEccPubKey"}));
-    fail_allocation(0);
-}
-
-TEST(EccPublicKey, DamageIsSurvived) {
-    expect_damage_survived(encode(sample()),
-                           [](const Octets &der) { return decode(der, nullptr); });
+    EXPECT_EQ(ZACERT_DecodeEccPriKey(sec1.data(), len_of(sec1), nullptr, &len), 108u);
+    EXPECT_EQ(ZACERT_DecodeEccPriKey(sec1.data() + 2, len_of(sec1) - 2, nullptr, &len), 108u);
+    EXPECT_EQ(ZACERT_DecodeEccPriKey(sec1.data(), 0, nullptr, &len), 108u);
+    EXPECT_EQ(record.failures(),
+              (Trail{"------>pMidData[0]!=0x30", "----->ZACERT_DecodeEccCurve: ZAsn1_ReadSequence",
+                     "----->ZACERT_DecodeEccPriKey: pDerEccPri[0] != 0x30",
+                     "----->ZACERT_DecodeEccPriKey: pDerEccPri == NULL || iDerEccPriLen<=0"}));
+    EXPECT_EQ(ZACERT_EcPrivateZqcspDerToCertDer(nullptr, 5, nullptr, &len), 108u);
+    EXPECT_EQ(ZACERT_EcPrivateZqcspDerToCertDer(sec1.data(), 0, nullptr, &len), 108u);
+    EXPECT_EQ(ZACERT_EcPrivateZqcspDerToCertDer(sec1.data(), 1, nullptr, nullptr), 108u);
+    EXPECT_EQ(conversion_result(from_hex("30(02(01) 02(01))")), 122u);
+    EXPECT_EQ(len, 77u);
 }
 
 }  // namespace

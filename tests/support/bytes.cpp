@@ -1,7 +1,11 @@
 #include "support/bytes.hpp"
 
+#include "support/der.hpp"
+
+#include <charconv>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <stdexcept>
 
 namespace za::test {
@@ -11,23 +15,39 @@ int digit(char c) {
     return c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10;
 }
 
-}  // namespace
-
-Octets from_hex(std::string_view hex) {
+// Up to the closing parenthesis or the end; `rest` is moved behind it.
+Octets parse(std::string_view &rest) {
     Octets octets;
-    int high = -1;
-    for (const char c : hex) {
+    while (!rest.empty()) {
+        const char c = rest.front();
         if (c == ' ' || c == '\n') {
-            continue;
-        }
-        if (high < 0) {
-            high = digit(c);
+            rest.remove_prefix(1);
+        } else if (c == ')') {
+            rest.remove_prefix(1);
+            return octets;
+        } else if (c == '(') {
+            rest.remove_prefix(1);
+            const Octets whole = element(octets.back(), parse(rest));
+            octets.pop_back();
+            octets.insert(octets.end(), whole.begin(), whole.end());
+        } else if (c == '*') {
+            size_t count = 0;
+            const char *end =
+                std::from_chars(rest.data() + 1, rest.data() + rest.size(), count).ptr;
+            rest.remove_prefix(size_t(end - rest.data()));
+            octets.insert(octets.end(), count - 1, octets.back());
         } else {
-            octets.push_back(static_cast<uint8_t>(high << 4 | digit(c)));
-            high = -1;
+            octets.push_back(uint8_t(digit(c) << 4 | digit(rest.at(1))));
+            rest.remove_prefix(2);
         }
     }
     return octets;
+}
+
+}  // namespace
+
+Octets from_hex(std::string_view hex) {
+    return parse(hex);
 }
 
 std::string to_hex(std::span<const uint8_t> octets) {
@@ -51,6 +71,60 @@ Octets read_file(const std::string &path) {
         throw std::runtime_error("cannot read " + path);
     }
     return Octets(std::istreambuf_iterator<char>(file), {});
+}
+
+Octets data_file(const std::string &name) {
+    return read_file(std::string(ZACERT_TEST_DATA) + "/" + name);
+}
+
+namespace {
+
+std::string trimmed(std::string_view text) {
+    const size_t first = text.find_first_not_of(' ');
+    return std::string(
+        first == text.npos ? "" : text.substr(first, text.find_last_not_of(' ') - first + 1));
+}
+
+// A separator that stands twice is text.
+std::vector<std::string> split(std::string_view text, char separator) {
+    std::vector<std::string> parts;
+    size_t begin = 0;
+    for (size_t at = 0; at < text.size(); ++at) {
+        if (text.substr(at, 2) == std::string(2, separator)) {
+            ++at;
+        } else if (text[at] == separator) {
+            parts.push_back(trimmed(text.substr(begin, at - begin)));
+            begin = at + 1;
+        }
+    }
+    parts.push_back(trimmed(text.substr(begin)));
+    return parts;
+}
+
+}  // namespace
+
+std::vector<std::vector<std::string>> rows_of(const std::string &name) {
+    const Octets octets = data_file(name);
+    std::istringstream lines(std::string(octets.begin(), octets.end()));
+    std::vector<std::vector<std::string>> rows;
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.empty() && line.front() != '#') {
+            rows.push_back(split(line, '|'));
+        }
+    }
+    return rows;
+}
+
+uint32_t number_of(const std::string &cell) {
+    return static_cast<uint32_t>(std::stol(cell));
+}
+
+Octets octets_of_cell(const std::string &cell) {
+    return cell.ends_with(".der") ? data_file(cell) : from_hex(cell);
+}
+
+std::vector<std::string> list_of(const std::string &cell) {
+    return cell.empty() ? std::vector<std::string>{} : split(cell, ';');
 }
 
 Anybuf borrowed(const Octets &octets, uint32_t data_type) {

@@ -13,12 +13,27 @@ namespace za::test {
 
 using Octets = std::vector<uint8_t>;
 
-// "30 03 02 01 05"; blanks are optional.
+// "30 03 02 01 05"; blanks are optional. "30(02(01) 04(5A*32))" is DER whose lengths are worked out
+// here, with an octet 32 times.
 Octets from_hex(std::string_view hex);
 std::string to_hex(std::span<const uint8_t> octets);
 std::string to_hex(const Anybuf *record);  // "(none)" for NULL
 
 Octets read_file(const std::string &path);
+Octets data_file(const std::string &name);  // below tests/data
+
+// The cases of a data file: a line each, its cells between bars. "#" begins a comment.
+std::vector<std::vector<std::string>> rows_of(const std::string &name);
+uint32_t number_of(const std::string &cell);                // -1 is 0xFFFFFFFF
+Octets octets_of_cell(const std::string &cell);             // hex, or a data file's name
+std::vector<std::string> list_of(const std::string &cell);  // "a; b"
+
+// A record as it stands in memory.
+template <class Type>
+Octets octets_of(const Type &record) {
+    const auto *first = reinterpret_cast<const uint8_t *>(&record);
+    return Octets(first, first + sizeof record);
+}
 
 // A record that borrows octets: `data` is not freed.
 Anybuf borrowed(const Octets &octets, uint32_t data_type = 0);

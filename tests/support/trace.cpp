@@ -7,7 +7,7 @@ namespace za::test {
 namespace {
 
 bool recording = false;
-std::vector<std::string> remembered;
+Trail remembered;
 
 }  // namespace
 
@@ -20,12 +20,12 @@ TraceRecord::~TraceRecord() {
     recording = false;
 }
 
-std::vector<std::string> TraceRecord::lines() const {
+Trail TraceRecord::lines() const {
     return remembered;
 }
 
-std::vector<std::string> TraceRecord::failures() const {
-    std::vector<std::string> failures;
+Trail TraceRecord::failures() const {
+    Trail failures;
     for (const std::string &line : remembered) {
         if (line.starts_with("-")) {
             failures.push_back(line);

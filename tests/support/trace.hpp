@@ -6,6 +6,8 @@
 
 namespace za::test {
 
+using Trail = std::vector<std::string>;
+
 // Forgets what was remembered and begins to remember; lines are dropped while nobody records.
 class TraceRecord {
   public:
@@ -14,9 +16,9 @@ class TraceRecord {
     TraceRecord(const TraceRecord &) = delete;
     TraceRecord &operator=(const TraceRecord &) = delete;
 
-    std::vector<std::string> lines() const;
+    Trail lines() const;
     // Lines of failures alone: those that begin with a dash.
-    std::vector<std::string> failures() const;
+    Trail failures() const;
 };
 
 }  // namespace za::test
