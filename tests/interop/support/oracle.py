@@ -8,35 +8,11 @@ import subprocess
 
 TOOL = os.environ["ZACERT_TOOL"]
 
-STRING_TYPES = {
-    "UTF8STRING": "UTF8String",
-    "PRINTABLESTRING": "PrintableString",
-    "IA5STRING": "IA5String",
-    "T61STRING": "TeletexString",
-    "BMPSTRING": "BMPString",
-    "NUMERICSTRING": "NumericString",
-    "VISIBLESTRING": "VisibleString",
-    "UNIVERSALSTRING": "UniversalString",
-}
-
 KEY_USAGES = {
-    "Digital Signature": "digitalSignature",
-    "Non Repudiation": "nonRepudiation",
-    "Key Encipherment": "keyEncipherment",
-    "Data Encipherment": "dataEncipherment",
-    "Key Agreement": "keyAgreement",
-    "Certificate Sign": "keyCertSign",
-    "CRL Sign": "cRLSign",
-    "Encipher Only": "encipherOnly",
-    "Decipher Only": "decipherOnly",
-}
-
-TITLES = {
-    "X509v3 Subject Key Identifier": "subject_key_identifier",
-    "X509v3 Authority Key Identifier": "authority_key_identifier",
-    "X509v3 Key Usage": "key_usage",
-    "X509v3 Basic Constraints": "basic_constraints",
-    "X509v3 Subject Alternative Name": "dns_names",
+    "Digital Signature": "digitalSignature", "Non Repudiation": "nonRepudiation",
+    "Key Encipherment": "keyEncipherment", "Data Encipherment": "dataEncipherment",
+    "Key Agreement": "keyAgreement", "Certificate Sign": "keyCertSign", "CRL Sign": "cRLSign",
+    "Encipher Only": "encipherOnly", "Decipher Only": "decipherOnly",
 }
 
 # Names with attribute types by number and string types shown, the five extensions, and of the rest
@@ -57,105 +33,80 @@ def run(command, **options):
     return result.stdout
 
 
-def show(files, data=b""):
+def show(files, octets=b""):
     """The tool's JSON for files that must all be good."""
-    return json.loads(run([TOOL, "show", "--format", "json", *map(str, files)], input=data))
+    return json.loads(run([TOOL, "show", "--format", "json", *map(str, files)], input=octets))
+
+
+def key_id(body):
+    octets = re.search(r"^\s*(?:keyid:)?((?:[0-9A-F]{2}:)*[0-9A-F]{2})$", body, re.M)
+    return octets[1].replace(":", "").lower() if octets else None
+
+
+def basic_constraints(body):
+    path_length = re.search(r"pathlen:(\d+)", body)
+    return ({"ca": "CA:TRUE" in body} |
+            ({"path_length": int(path_length[1])} if path_length else {}))
+
+
+# The title of openssl and what to make of the text below it; the tool's member and what of it.
+EXTENSIONS = [
+    ("Subject Key Identifier", key_id, "subject_key_identifier", str),
+    ("Authority Key Identifier", key_id, "authority_key_identifier", lambda v: v.get("key_id")),
+    ("Key Usage", lambda body: [KEY_USAGES[usage] for usage in body.split(", ") if usage],
+     "key_usage", list),
+    ("Basic Constraints", basic_constraints, "basic_constraints", dict),
+    ("Subject Alternative Name", lambda body: re.findall(r"(?:^|, )DNS:([^,\n]*)", body),
+     "subject_alt_name", lambda v: [n["value"] for n in v if n["form"] == "dNSName"]),
+]
 
 
 def by_openssl(certificate, form="PEM"):
-    output = run(["openssl", "x509", "-inform", form, *X509_OPTIONS], input=certificate)
-    head, _, key = output.decode().partition("        Subject Public Key Info:")
-    facts = {
-        "subject": names_of_openssl(head, "subject"),
-        "issuer": names_of_openssl(head, "issuer"),
-        "serial": re.search(r"^serial=(.*)$", head, re.M)[1].lower(),
-        "not_before": time_of_openssl(re.search(r"^notBefore=(.*)$", head, re.M)[1]),
-        "not_after": time_of_openssl(re.search(r"^notAfter=(.*)$", head, re.M)[1]),
-    }
+    output = run(["openssl", "x509", "-inform", form, *X509_OPTIONS], input=certificate).decode()
+    head, _, key = output.partition("        Subject Public Key Info:")
+    fields = dict(re.findall(r"^(\w+)=(.*\n(?:    .*\n)*)", head, re.M))
     bits = re.search(r"Public-Key: \((\d+) bit", key)
-    if bits:
-        facts["bits"] = int(bits[1])
-    facts.update(extensions_of_openssl(head))
+    facts = {
+        "subject": name_of_openssl(fields["subject"]), "issuer": name_of_openssl(fields["issuer"]),
+        "serial": fields["serial"].strip().lower(),
+        "not_before": time_of_openssl(fields["notBefore"]),
+        "not_after": time_of_openssl(fields["notAfter"]),
+        "bits": int(bits[1]) if bits else None,
+    }
+    for title, read, member, _ in EXTENSIONS:
+        found = re.search(rf"^X509v3 {title}: ?(critical)?\n((?:    .*\n)*)", head, re.M)
+        if found:
+            facts[member] = (read(found[2].strip()), found[1] is not None)
     return facts
 
 
-def names_of_openssl(text, field):
-    block = re.search(rf"^{field}=\n?((?:    .*\n)*)", text, re.M)[1]
+def name_of_openssl(text):
     return [[attribute_of_openssl(part) for part in re.split(r"(?<!\\) \+ ", line[4:])]
-            for line in block.split("\n") if line.strip()]
+            for line in text.split("\n") if line.strip()]
 
 
 def attribute_of_openssl(text):
-    oid, _, value = text.partition("=")
-    string_type, _, value = value.partition(":")
+    oid, string_type, value = re.fullmatch(r"(.*?)=(.*?):(.*)", text, re.S).groups()
     value = re.sub(r"\\([0-9A-F]{2}|.)",
                    lambda m: chr(int(m[1], 16)) if len(m[1]) == 2 else m[1], value)
-    return oid, STRING_TYPES.get(string_type, string_type), value
+    return oid, string_type.replace("T61", "TELETEX"), value
 
 
 def time_of_openssl(text):
-    time = datetime.datetime.strptime(text, "%b %d %H:%M:%S %Y GMT")
+    time = datetime.datetime.strptime(text.strip(), "%b %d %H:%M:%S %Y GMT")
     return time.strftime("%Y-%m-%dT%H:%M:%SZ")
-
-
-def extensions_of_openssl(text):
-    facts = {}
-    for title, critical, body in re.findall(r"^(X509v3 .*?): ?(critical)?\n((?:    .*\n)*)", text,
-                                            re.M):
-        if title in TITLES:
-            name = TITLES[title]
-            facts[name] = value_of_openssl(name, body.strip())
-            facts[name + "_critical"] = critical == "critical"
-    return facts
-
-
-def value_of_openssl(name, body):
-    if name == "key_usage":
-        return [KEY_USAGES[usage] for usage in body.split(", ") if usage]
-    if name == "basic_constraints":
-        value = {"ca": "CA:TRUE" in body}
-        path_length = re.search(r"pathlen:(\d+)", body)
-        return value | ({"path_length": int(path_length[1])} if path_length else {})
-    if name == "dns_names":
-        return re.findall(r"(?:^|, )DNS:([^,\n]*)", body)
-    key_id = re.search(r"^\s*(?:keyid:)?((?:[0-9A-F]{2}:)*[0-9A-F]{2})$", body, re.M)
-    return key_id[1].replace(":", "").lower() if key_id else None
 
 
 def by_tool(certificate):
     """The same facts out of one object of the tool's JSON."""
-    facts = {
-        "subject": names_of_tool(certificate["subject"]),
-        "issuer": names_of_tool(certificate["issuer"]),
-        "serial": certificate["serial"],
-        **certificate["validity"],
-        "bits": certificate["public_key"].get("bits"),
-    }
+    facts = {name: [[(a["oid"], a["string_type"].upper(), a["value"]) for a in rdn]
+                    for rdn in certificate[name]] for name in ("subject", "issuer")}
+    # openssl does not tell the size of Edwards curves' keys.
+    key = certificate["public_key"]
+    bits = None if key["algorithm"].startswith("Ed") else key.get("bits")
+    facts |= {"serial": certificate["serial"], **certificate["validity"], "bits": bits}
     for extension in certificate["extensions"]:
-        for name in TITLES.values():
-            value = value_of_tool(name, extension)
-            if value is not None:
-                facts[name] = value[0]
-                facts[name + "_critical"] = extension["critical"]
+        for _, _, member, read in EXTENSIONS:
+            if member in extension:
+                facts[member] = (read(extension[member]), extension["critical"])
     return facts
-
-
-def names_of_tool(name):
-    return [[(a["oid"], a["string_type"], a["value"]) for a in rdn] for rdn in name]
-
-
-def value_of_tool(name, extension):
-    """The value in a tuple, since None is one; None for another extension."""
-    if name == "dns_names" and "subject_alt_name" in extension:
-        return ([n["value"] for n in extension["subject_alt_name"] if n["form"] == "dNSName"],)
-    if name not in extension:
-        return None
-    value = extension[name]
-    return (value.get("key_id") if name == "authority_key_identifier" else value,)
-
-
-def differences(expected, actual):
-    """Lines that tell facts of openssl which the tool does not share, or extensions it adds."""
-    names = set(expected) | {name for name in actual if name in TITLES.values()}
-    return [f"{name}: openssl {expected.get(name)!r}, zacert {actual.get(name)!r}"
-            for name in sorted(names) if expected.get(name) != actual.get(name)]
