@@ -16,11 +16,11 @@ constexpr za::TraceSource trace{".\\src\\za_cert"};
 
 Status refuse_length(int32_t type) {
     std::array<char, 128> text;
-    std::snprintf(text.data(), text.size(),
-                  "------>ZACert_SetCertAttributeChar Err, certAttributeValueLen<=0 Err, "
-                  "certAttributeType:%d",
-                  type);
-    return trace.fail(Status::length, text.data());
+    constexpr const char *kFormat =
+        "------>ZACert_SetCertAttributeChar Err, certAttributeValueLen<=0 Err, "
+        "certAttributeType:%d";
+    const int length = std::snprintf(text.data(), text.size(), kFormat, type);
+    return trace.fail(Status::length, {{text.data(), static_cast<size_t>(length)}, {}});
 }
 
 }  // namespace
