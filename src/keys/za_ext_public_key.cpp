@@ -148,8 +148,6 @@ Status decode_public_key_info(const asn1::Element &spki, PublicKeyInfo &out) {
 
 }  // namespace za::keys
 
-using za::Status;
-
 uint32_t ZI_DecodePubKey(const Anybuf *spki, ZI_PubKey *out) {
     return trace.exported([&] {
         ZA_PASS(trace.need(spki, out));
