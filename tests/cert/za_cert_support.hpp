@@ -7,7 +7,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <map>
-#include <sstream>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -15,8 +15,7 @@ namespace za::test {
 
 inline constexpr const char *kCertificates[] = {
     "rsa_all",  "rsa_v1",      "rsa_bmp", "rsa_t61", "rsa_purposes",
-    "ec_named", "ec_explicit", "ec_p384", "sm2",     "ed25519",
-};
+    "ec_named", "ec_explicit", "ec_p384", "sm2",     "ed25519"};
 
 inline Octets certificate(const std::string &name) {
     return read_file(ZACERT_TEST_DATA "/certs/" + name + ".der");
@@ -28,17 +27,13 @@ using Lines = std::vector<std::string>;  // of a trace
 using Row = std::vector<std::string>;
 
 inline std::vector<Row> rows_of(const std::string &name) {
+    static const std::regex kBar(" *[|] *");
     std::ifstream file(ZACERT_TEST_DATA "/certs/" + name);
     std::vector<Row> rows;
     for (std::string line; std::getline(file, line);) {
-        if (line.empty() || line[0] == '#') {
-            continue;
-        }
-        rows.emplace_back();
-        std::istringstream fields(line + "|");
-        for (std::string field; std::getline(fields, field, '|');) {
-            const size_t first = std::min(field.find_first_not_of(' '), field.size());
-            rows.back().push_back(field.substr(first, field.find_last_not_of(' ') + 1 - first));
+        if (line[0] != '#') {
+            const std::sregex_token_iterator fields(line.begin(), line.end(), kBar, -1);
+            rows.emplace_back(fields, std::sregex_token_iterator());
         }
     }
     EXPECT_FALSE(rows.empty()) << name;
@@ -51,10 +46,7 @@ inline uint32_t number(const std::string &field) {
 
 // Text between quotes, or hex.
 inline Octets octets_of(std::string_view field) {
-    if (!field.starts_with('"')) {
-        return from_hex(field);
-    }
-    return Octets(field.begin() + 1, field.end() - 1);
+    return field.starts_with('"') ? Octets(field.begin() + 1, field.end() - 1) : from_hex(field);
 }
 
 inline std::string plain_hex(std::span<const uint8_t> octets) {
@@ -105,10 +97,18 @@ inline std::string seen(const Context &context, const std::string &name) {
         return std::to_string(extension.critical) + (extension.set ? " set" : "") +
                (extension.decoded ? " read" : "");
     };
-    const auto each = [](const List<Field> &list) {
+    const auto hex = [](const Field &field) { return plain_hex(field.bytes()); };
+    const auto access = [](const cert::AccessDescription &in) {
+        return (in.method == cert::AccessMethod::ocsp ? "ocsp " : "issuers ") +
+               std::string(text_of(in.uri.bytes()));
+    };
+    const auto other = [&](const cert::PrivateExtension &in) {
+        return hex(in.oid) + " " + std::to_string(in.critical) + " " + hex(in.value);
+    };
+    const auto each = [](const auto &list, const auto &text) {
         std::string all;
-        for (const Field &field : list) {
-            all += plain_hex(field.bytes()) + ";";
+        for (const auto &item : list) {
+            all += text(item) + ";";
         }
         return all;
     };
@@ -121,23 +121,13 @@ inline std::string seen(const Context &context, const std::string &name) {
         }
         return all;
     };
-    const cert::Certificate &in = *context;
-    std::string accesses;
-    for (const cert::AccessDescription &access : in.information_access.descriptions) {
-        accesses += access.method == cert::AccessMethod::ocsp ? "ocsp " : "issuers ";
-        accesses += std::string(text_of(access.uri.bytes())) + ";";
-    }
-    std::string others;
-    for (const cert::PrivateExtension &extension : in.private_extensions) {
-        others += plain_hex(extension.oid.bytes()) + " " + std::to_string(extension.critical) +
-                  " " + plain_hex(extension.value.bytes()) + ";";
-    }
     // The form that other functions of the library take keys of 256 bits in.
     ZACERT_EccPubKey point{};
     if (const Octets key = context.get(CERT_SUBJECTPUBLICKEYINFO); key.size() == 287) {
         uint32_t len = 0;
         EXPECT_EQ(ZACERT_DecodeEccPubKey(key.data(), 287, &point, &len), 0u);
     }
+    const cert::Certificate &in = *context;
     const std::map<std::string, std::string> all{
         {"AKI", state(in.authority_key_identifier.state)},
         {"SKI", state(in.subject_key_identifier.state)},
@@ -154,16 +144,16 @@ inline std::string seen(const Context &context, const std::string &name) {
         {"SAN names", entries(in.subject_alternative_name.directory)},
         {"IAN names", entries(in.issuer_alternative_name.directory)},
         {"AKI names", entries(in.authority_key_identifier.issuer)},
-        {"AKI serial", to_hex(in.authority_key_identifier.serial.bytes())},
-        {"other name", to_hex(in.subject_alternative_name.other_name_type.bytes()) + "; " +
-                           to_hex(in.subject_alternative_name.other_name_value.bytes()) + "; " +
+        {"AKI serial", hex(in.authority_key_identifier.serial)},
+        {"other name", hex(in.subject_alternative_name.other_name_type) + " " +
+                           hex(in.subject_alternative_name.other_name_value) + " " +
                            std::to_string(in.subject_alternative_name.other_name_tag)},
-        {"purposes", each(in.extended_key_usage.purposes)},
-        {"policy", to_hex(in.policies.policy.bytes())},
-        {"cps", each(in.policies.cps_uris)},
-        {"uris", each(in.distribution_points.uris)},
-        {"accesses", accesses},
-        {"private", others},
+        {"purposes", each(in.extended_key_usage.purposes, hex)},
+        {"policy", hex(in.policies.policy)},
+        {"cps", each(in.policies.cps_uris, hex)},
+        {"uris", each(in.distribution_points.uris, hex)},
+        {"accesses", each(in.information_access.descriptions, access)},
+        {"private", each(in.private_extensions, other)},
         {"changed", std::to_string(in.extensions_changed)},
         {"present", std::to_string(in.extensions_present)},
         {"has version", std::to_string(in.has_version)},
@@ -218,10 +208,9 @@ inline std::vector<Octets> children(const Octets &element) {
     return parts;
 }
 
-// A real certificate in pieces that can be changed, left out and added to. The names are the places
-// of the fields from version 2 on.
+// A real certificate in pieces that can be changed, left out and added to.
 struct Parts {
-    enum { kVersion, kSerial, kAlgorithm, kIssuer, kValidity, kSubject, kKey, kExtensions };
+    enum { kKey = 6, kExtensions };  // places of fields from version 2 on
 
     std::vector<Octets> tbs;
     std::vector<Octets> behind;

@@ -9,7 +9,7 @@ import re
 import subprocess
 import sys
 
-KINDS = {  # in the order of a name's text: its key, and the attribute of the issuer; the subject's is 24 more
+KINDS = {  # in the order of a name's text: the key there, and the attribute of the issuer
     "countryName": ("C", 9), "organizationName": ("O", 12), "organizationalUnitName": ("OU", 13),
     "commonName": ("CN", 14), "emailAddress": ("E", 15), "stateOrProvinceName": ("S", 10),
     "localityName": ("L", 11), "postalAddress": ("PA", 16), "postalCode": ("PC", 17),
@@ -87,42 +87,32 @@ def show_key(info):
         char(54, bits)
 
 
-def show_directory(names, common_name, email):
-    directory = names.find("cont [ 4 ]")
-    for kind, value in entries(parse(directory)) if directory else []:
-        char({"commonName": common_name, "emailAddress": email}.get(kind), value)
+def purposes(found):
+    mask = sum(0x40 << PURPOSES.index(purpose.text) for purpose in found.children
+               if purpose.text in PURPOSES)
+    return mask.to_bytes(4, "little")
 
 
-def show_extension(name, critical, value):
-    """Whether an extension has attributes."""
-    found = parse(value)
-    if name == "Basic Constraints":
-        char(119, critical)
-        char(120, found.find("BOOLEAN", b"\0"))
-        char(121, found.find("INTEGER"))
-    elif name == "Authority Key Identifier":
-        char(65, found.find("cont [ 0 ]"))
-    elif name == "Subject Key Identifier":
-        char(85, found.content)
-    elif name == "Key Usage":
-        char(86, critical)
-        char(87, found.content[1:])
-    elif name == "Extended Key Usage":
-        mask = sum(0x40 << PURPOSES.index(purpose.text) for purpose in found.children
-                   if purpose.text in PURPOSES)
-        char(129, mask.to_bytes(4, "little"))
-    elif name == "CRL Distribution Points":
-        char(131, parse(found[0].find("cont [ 0 ]")).find("cont [ 6 ]"))
-    elif name == "Subject Alternative Name":
-        for number, identifier in ((1, 504), (2, 505), (6, 509), (7, 510)):
-            char(identifier, found.find(f"cont [ {number} ]"))
-        show_directory(found, 106, 107)
-    elif name == "Issuer Alternative Name":
-        show_directory(found, 114, 115)
-    else:
-        return False
-    return True
+def directory(names, common_name, email):
+    found = names.find("cont [ 4 ]")
+    identifiers = {"commonName": common_name, "emailAddress": email}
+    return [(identifiers.get(kind), value) for kind, value in entries(parse(found))] if found else []
 
+
+EXTENSIONS = {  # the value's element and the criticality to attributes
+    "Basic Constraints": lambda found, critical: [
+        (119, critical), (120, found.find("BOOLEAN", b"\0")), (121, found.find("INTEGER"))],
+    "Authority Key Identifier": lambda found, _: [(65, found.find("cont [ 0 ]"))],
+    "Subject Key Identifier": lambda found, _: [(85, found.content)],
+    "Key Usage": lambda found, critical: [(86, critical), (87, found.content[1:])],
+    "Extended Key Usage": lambda found, _: [(129, purposes(found))],
+    "CRL Distribution Points": lambda found, _: [
+        (131, parse(found[0].find("cont [ 0 ]")).find("cont [ 6 ]"))],
+    "Subject Alternative Name": lambda found, _: [
+        (504, found.find("cont [ 1 ]")), (505, found.find("cont [ 2 ]")),
+        (509, found.find("cont [ 6 ]")), (510, found.find("cont [ 7 ]")),
+        *directory(found, 106, 107)],
+    "Issuer Alternative Name": lambda found, _: directory(found, 114, 115)}
 
 with open(sys.argv[1], "rb") as file:
     tbs, algorithm, signature = parse(file.read()).children
@@ -137,12 +127,14 @@ char(6, inner[0].content)
 show_name(issuer, 7, 8, 0)
 show_time("from", validity[0])
 show_time("to", validity[1])
-show_name(subject, 31, 32, 24)
+show_name(subject, 31, 32, 24)  # from those of the issuer
 show_key(key)
 others = ""
 for extension in fields[6][0].children if len(fields) > 6 else []:
-    flag = extension.find("BOOLEAN", b"\0")
-    octets = extension[-1].content
-    if not show_extension((extension[0].text or "").removeprefix("X509v3 "), flag, octets):
-        others += f"{extension[0].content.hex()} {flag[0]} {octets.hex()};".upper()
+    critical, octets = extension.find("BOOLEAN", b"\0"), extension[-1].content
+    decode = EXTENSIONS.get((extension[0].text or "").removeprefix("X509v3 "))
+    for identifier, value in decode(parse(octets), critical) if decode else []:
+        char(identifier, value)
+    if not decode:
+        others += f"{extension[0].content.hex()} {critical[0]} {octets.hex()};".upper()
 print("private=" + others)

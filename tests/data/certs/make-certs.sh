@@ -1,6 +1,6 @@
 #!/bin/bash
-# Makes the certificates of this folder with openssl (certs.cnf) and certtool, and beside each its
-# attributes with expect.py. Keys are new in every run; everything else stays.
+# Makes the certificates of this folder with openssl (certs.list, certs.cnf) and certtool, and beside
+# each its attributes with expect.py. Keys are new in every run; everything else stays.
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
 work=$(mktemp -d)
@@ -8,7 +8,6 @@ trap 'rm -rf "$work"' EXIT
 cd "$work"
 export LC_ALL=C.UTF-8
 
-# Options of -pkeyopt follow the algorithm.
 while read -r name serial start end signer digest algorithm; do
     : >index.txt
     echo "$serial" >serial
@@ -23,18 +22,7 @@ while read -r name serial start end signer digest algorithm; do
         "${authority[@]}" "${extensions[@]}" -startdate "$start" -enddate "$end" \
         -md "$digest" -out "$name.pem" 2>ca.log || { cat ca.log >&2; exit 1; }
     openssl x509 -in "$name.pem" -outform DER -out "$here/$name.der"
-done <<'END'
-root         01         20240102030405Z 20340102030405Z self sha256 RSA rsa_keygen_bits:1024
-rsa_all      00C0FFEE01 20240102030405Z 20340102030405Z root sha256 RSA rsa_keygen_bits:1024
-rsa_v1       7F         20240102030405Z 20340102030405Z root sha256 RSA rsa_keygen_bits:1024
-rsa_purposes 02         20500101000000Z 20991231235959Z root sha256 RSA rsa_keygen_bits:1024
-rsa_bmp      80         20240102030405Z 20340102030405Z self sha256 RSA rsa_keygen_bits:1024
-rsa_t61      0100       20240102030405Z 20340102030405Z self sha256 RSA rsa_keygen_bits:1024
-ec_named     03         20240102030405Z 20491231235959Z self sha256 EC ec_paramgen_curve:P-256 ec_param_enc:named_curve
-ec_explicit  04         20240102030405Z 20500101000000Z self sha256 EC ec_paramgen_curve:P-256 ec_param_enc:explicit
-ec_p384      05         20240102030405Z 20340102030405Z self sha384 EC ec_paramgen_curve:P-384 ec_param_enc:named_curve
-sm2          06         20240102030405Z 20340102030405Z self sm3    SM2
-END
+done < <(grep -v "^#" "$here/certs.list")
 rm "$here/root.der"
 
 # certtool writes its extensions in an order and with defaults of its own.
