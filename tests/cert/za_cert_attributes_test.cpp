@@ -34,9 +34,8 @@ TEST(CertificateAttributes, EveryIdentifierHasTheAccessorsOfItsKind) {
         EXPECT_EQ(ZACert_GetCertAttributeInt(cert, id, &value), get_int);
         EXPECT_EQ(value, get_int == 0 ? 0u : 7u);
 
-        const bool is_dotted_text = id == CERTEX_EXTKEY_USAGE_OID_DEFINE;
-        EXPECT_EQ(cert.set(id, Octets{'1'}),
-                  is_dotted_text ? 121 : expected(table, id, "Char", 'S'));
+        EXPECT_EQ(cert.set(id, {'1'}),
+                  id == CERTEX_EXTKEY_USAGE_OID_DEFINE ? 121 : expected(table, id, "Char", 'S'));
         EXPECT_EQ(ZACert_SetCertAttributeInt(cert, id, -1), expected(table, id, "Int", 'S'));
         ZACert_GetCertAttributeInt(cert, id, &value);
         EXPECT_EQ(value, get_int == 0 ? 0xFFFFFFFF : 7u);
@@ -82,14 +81,14 @@ TEST(CertificateAttributes, AllocationFaultsChangeNothing) {
             continue;
         }
         SCOPED_TRACE(id);
-        const size_t size = probe.get(id).size();
         expect_allocation_faults_survived([&] {
             cert::Certificate cert;
             uint32_t len = 0;
             const uint32_t result = ZACert_SetCertAttributeChar(&cert, id, value.data(),
                                                                 static_cast<int32_t>(value.size()));
             ZACert_GetCertAttributeChar(&cert, id, nullptr, &len);
-            EXPECT_EQ(len, result == 0 ? size : 0);
+            EXPECT_EQ(len, result == 0 ? probe.get(id).size() : 0);
+            EXPECT_EQ(cert.key.kind, result == 0 ? probe->key.kind : 0);
             EXPECT_EQ(cert.extensions_changed, result == 0 && probe->extensions_changed);
             return result;
         });

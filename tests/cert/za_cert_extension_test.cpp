@@ -80,7 +80,7 @@ TEST(CertificatePrivate, IndexOutsideTheListCounts) {
     const Context cert;
     const uint8_t in[] = {0x2A, 3};
     uint8_t oid[2];
-    uint8_t value[1];
+    uint8_t value[2];
     uint32_t len = 7;
     uint32_t critical = 7;
     const auto get = [&](void *ctx, uint32_t *index, uint32_t *oid_len, uint32_t *value_len) {
@@ -95,14 +95,14 @@ TEST(CertificatePrivate, IndexOutsideTheListCounts) {
         EXPECT_EQ(get(cert, &index, nullptr, &len), 0u);
         EXPECT_EQ(std::tuple(index, len, critical), std::tuple(2u, 7u, 7u));
     }
-    uint32_t index = 1;
+    uint32_t index = 2;
     EXPECT_EQ(get(nullptr, &index, &len, &len), 108u);
     EXPECT_EQ(get(cert, nullptr, &len, &len), 108u);
     EXPECT_EQ(get(cert, &index, nullptr, &len), 108u);
     EXPECT_EQ(get(cert, &index, &len, nullptr), 108u);
     EXPECT_EQ(get(cert, &index, &len, &len), 0u);
-    EXPECT_EQ(to_hex(oid) + "; " + to_hex(value), "2A 03; 2A");
-    EXPECT_EQ(std::pair(len, critical), std::pair(1u, 255u));
+    EXPECT_EQ(to_hex(oid) + "; " + to_hex(value), "2A 03; 2A 03");
+    EXPECT_EQ(std::pair(len, critical), std::pair(2u, 0u));
 }
 
 uint32_t set_typed(void *cert, const Octets &value, uint32_t type) {
@@ -120,6 +120,7 @@ TEST(CertificatePrivate, ValuesAreEncodedByType) {
             EXPECT_EQ(cert.extensions_changed, result == 0);
             EXPECT_EQ(cert.private_extensions.empty(), result != 0);
             for (const cert::PrivateExtension &extension : cert.private_extensions) {
+                EXPECT_EQ(to_hex(extension.oid.bytes()), "2A 03");
                 EXPECT_EQ(to_hex(extension.value.bytes()), row[3]);
             }
             return result;
