@@ -6,6 +6,8 @@
 
 #include <fstream>
 #include <gtest/gtest.h>
+#include <map>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -13,8 +15,7 @@ namespace za::test {
 
 inline constexpr const char *kCertificates[] = {
     "rsa_all",  "rsa_v1",      "rsa_bmp", "rsa_t61", "rsa_purposes",
-    "ec_named", "ec_explicit", "ec_p384", "sm2",     "ed25519",
-};
+    "ec_named", "ec_explicit", "ec_p384", "sm2",     "ed25519"};
 
 inline Octets certificate(const std::string &name) {
     return read_file(ZACERT_TEST_DATA "/certs/" + name + ".der");
@@ -26,19 +27,13 @@ using Lines = std::vector<std::string>;  // of a trace
 using Row = std::vector<std::string>;
 
 inline std::vector<Row> rows_of(const std::string &name) {
-    std::ifstream file(ZACERT_TEST_DATA "/certs/rows/" + name);
+    static const std::regex kBar(" *[|] *");
+    std::ifstream file(ZACERT_TEST_DATA "/certs/" + name);
     std::vector<Row> rows;
     for (std::string line; std::getline(file, line);) {
-        if (line[0] == '#') {
-            continue;
-        }
-        rows.emplace_back();
-        for (size_t bar = 0; bar != std::string::npos;) {
-            bar = line.find('|');
-            const std::string field = line.substr(0, bar);
-            const size_t first = std::min(field.find_first_not_of(' '), field.size());
-            rows.back().push_back(field.substr(first, field.find_last_not_of(' ') + 1 - first));
-            line.erase(0, bar == std::string::npos ? bar : bar + 1);
+        if (line[0] != '#') {
+            const std::sregex_token_iterator fields(line.begin(), line.end(), kBar, -1);
+            rows.emplace_back(fields, std::sregex_token_iterator());
         }
     }
     EXPECT_FALSE(rows.empty()) << name;
@@ -49,8 +44,9 @@ inline uint32_t number(const std::string &field) {
     return static_cast<uint32_t>(std::stoul(field));
 }
 
-inline Octets octets_of(std::string_view text) {
-    return Octets(text.begin(), text.end());
+// Text between quotes, or hex.
+inline Octets octets_of(std::string_view field) {
+    return field.starts_with('"') ? Octets(field.begin() + 1, field.end() - 1) : from_hex(field);
 }
 
 inline std::string plain_hex(std::span<const uint8_t> octets) {
@@ -77,7 +73,6 @@ class Context {
         return ZACert_SetCertAttributeChar(handle_, id, value.data(),
                                            static_cast<int32_t>(value.size()));
     }
-    uint32_t set(int32_t id, std::string_view text) const { return set(id, octets_of(text)); }
     Octets get(int32_t id, uint32_t *status = nullptr) const {
         return two_calls(
             [&](uint8_t *out, uint32_t *len) {
@@ -86,37 +81,104 @@ class Context {
             status);
     }
     std::string hex(int32_t id) const { return to_hex(get(id)); }
-    std::string text(int32_t id) const {
-        const Octets value = get(id);
-        return {value.begin(), value.end()};
-    }
-    uint32_t count_private() const {
-        uint32_t index = 0;
-        EXPECT_EQ(ZACert_GetCertAttributePrivate(handle_, &index, nullptr, nullptr, nullptr,
-                                                 nullptr, nullptr),
-                  0u);
-        return index;
-    }
-    // "OID CRITICAL VALUE"
-    std::string private_extension(uint32_t index) const {
-        uint32_t oid_len = 0;
-        uint32_t value_len = 0;
-        uint32_t critical = 0;
-        const auto get = [&](uint8_t *oid, uint8_t *value) {
-            EXPECT_EQ(ZACert_GetCertAttributePrivate(handle_, &index, oid, &oid_len, &critical,
-                                                     value, &value_len),
-                      0u);
-        };
-        get(nullptr, nullptr);
-        Octets oid(oid_len);
-        Octets value(value_len);
-        get(oid.data(), value.data());
-        return plain_hex(oid) + " " + std::to_string(critical) + " " + plain_hex(value);
+    uint32_t number(int32_t id) const {
+        uint32_t value = 0;
+        EXPECT_EQ(ZACert_GetCertAttributeInt(handle_, id, &value), 0u);
+        return value;
     }
 
   private:
     void *handle_ = nullptr;
 };
+
+// What a context holds beside its attributes of octets.
+inline std::string seen(const Context &context, const std::string &name) {
+    const auto state = [](const cert::ExtensionState &extension) {
+        return std::to_string(extension.critical) + (extension.set ? " set" : "") +
+               (extension.decoded ? " read" : "");
+    };
+    const auto hex = [](const Field &field) { return plain_hex(field.bytes()); };
+    const auto access = [](const cert::AccessDescription &in) {
+        return (in.method == cert::AccessMethod::ocsp ? "ocsp " : "issuers ") +
+               std::string(text_of(in.uri.bytes()));
+    };
+    const auto other = [&](const cert::PrivateExtension &in) {
+        return hex(in.oid) + " " + std::to_string(in.critical) + " " + hex(in.value);
+    };
+    const auto each = [](const auto &list, const auto &text) {
+        std::string all;
+        for (const auto &item : list) {
+            all += text(item) + ";";
+        }
+        return all;
+    };
+    const auto entries = [](const names::NameList &list) {
+        std::string all;
+        for (auto *entry = list.first(); entry != nullptr; entry = entry->nextEntry) {
+            all += std::to_string(entry->attrKind) + " " + plain_hex(bytes_of(entry->attrOid)) +
+                   " " + std::to_string(entry->attrValue.dataType) + " " +
+                   plain_hex(bytes_of(entry->attrValue)) + ";";
+        }
+        return all;
+    };
+    // The form that other functions of the library take keys of 256 bits in.
+    ZACERT_EccPubKey point{};
+    if (const Octets key = context.get(CERT_SUBJECTPUBLICKEYINFO); key.size() == 287) {
+        uint32_t len = 0;
+        EXPECT_EQ(ZACERT_DecodeEccPubKey(key.data(), 287, &point, &len), 0u);
+    }
+    const cert::Certificate &in = *context;
+    const std::map<std::string, std::string> all{
+        {"AKI", state(in.authority_key_identifier.state)},
+        {"SKI", state(in.subject_key_identifier.state)},
+        {"KU", state(in.key_usage.state)},
+        {"EKU", state(in.extended_key_usage.state)},
+        {"CP", state(in.policies.state)},
+        {"SAN", state(in.subject_alternative_name.state)},
+        {"IAN", state(in.issuer_alternative_name.state)},
+        {"BC", state(in.basic_constraints.state)},
+        {"CDP", state(in.distribution_points.state)},
+        {"AIA", state(in.information_access.state)},
+        {"issuer names", entries(in.issuer.entries)},
+        {"subject names", entries(in.subject.entries)},
+        {"SAN names", entries(in.subject_alternative_name.directory)},
+        {"IAN names", entries(in.issuer_alternative_name.directory)},
+        {"AKI names", entries(in.authority_key_identifier.issuer)},
+        {"AKI serial", hex(in.authority_key_identifier.serial)},
+        {"other name", hex(in.subject_alternative_name.other_name_type) + " " +
+                           hex(in.subject_alternative_name.other_name_value) + " " +
+                           std::to_string(in.subject_alternative_name.other_name_tag)},
+        {"purposes", each(in.extended_key_usage.purposes, hex)},
+        {"policy", hex(in.policies.policy)},
+        {"cps", each(in.policies.cps_uris, hex)},
+        {"uris", each(in.distribution_points.uris, hex)},
+        {"accesses", each(in.information_access.descriptions, access)},
+        {"private", each(in.private_extensions, other)},
+        {"changed", std::to_string(in.extensions_changed)},
+        {"present", std::to_string(in.extensions_present)},
+        {"has version", std::to_string(in.has_version)},
+        {"authority set", std::to_string(in.basic_constraints.authority_set)},
+        {"unused bits", std::to_string(in.key_usage.unused_bits)},
+        {"kind", std::to_string(in.key.kind)},
+        {"raw bits", std::to_string(in.key.raw_bits.bytes().size())},
+        {"point", plain_hex(point.x) + plain_hex(point.y)},
+        {"version", std::to_string(context.number(CERT_VERSION))},
+        {"from", std::to_string(context.number(CERT_VALIDFROM))},
+        {"to", std::to_string(context.number(CERT_VALIDTO))}};
+    return all.at(name);
+}
+
+// "IDENTIFIER=OCTETS" or "WHAT=TEXT".
+inline void expect_seen(const Context &cert, const std::string &check) {
+    const size_t equals = check.find('=');
+    const std::string name = check.substr(0, equals);
+    const std::string value = check.substr(equals + 1);
+    if (std::isdigit(name[0]) != 0) {
+        EXPECT_EQ(cert.hex(std::stoi(name)), to_hex(octets_of(value))) << name;
+    } else {
+        EXPECT_EQ(seen(cert, name), value) << name;
+    }
+}
 
 inline Octets join(const std::vector<Octets> &parts) {
     Octets whole;
@@ -127,37 +189,28 @@ inline Octets join(const std::vector<Octets> &parts) {
 }
 
 inline Octets tlv(uint8_t identifier, const Octets &content) {
-    const size_t size = content.size();
-    Octets header{identifier, 0x82, static_cast<uint8_t>(size >> 8), static_cast<uint8_t>(size)};
-    if (size < 0x80) {
-        header = {identifier, static_cast<uint8_t>(size)};
-    }
-    return join({header, content});
+    const auto low = static_cast<uint8_t>(content.size());
+    const auto high = static_cast<uint8_t>(content.size() >> 8);
+    return join(
+        {content.size() < 0x80 ? Octets{identifier, low} : Octets{identifier, 0x82, high, low},
+         content});
 }
 
-// The children of an element of less than 64 KiB; where its content begins is told by the first
-// octets.
 inline std::vector<Octets> children(const Octets &element) {
-    const auto header = [&](size_t at) {
-        return element[at + 1] < 0x80 ? 2u : element[at + 1] - 0x7Eu;
-    };
     std::vector<Octets> parts;
-    for (size_t at = header(0); at < element.size();) {
-        size_t size = header(at) == 2 ? element[at + 1] : 0u;
-        for (size_t i = 2; i < header(at); ++i) {
-            size = size << 8 | element[at + i];
-        }
-        const auto first = element.begin() + static_cast<std::ptrdiff_t>(at);
-        parts.emplace_back(first, first + static_cast<std::ptrdiff_t>(header(at) + size));
-        at += parts.back().size();
+    asn1::Header header;
+    EXPECT_EQ(asn1::read_header(element, header), Status::ok);
+    for (size_t at = header.size(); at < element.size(); at += header.total) {
+        const Bytes rest = Bytes(element).subspan(at);
+        EXPECT_EQ(asn1::read_header(rest, header), Status::ok);
+        parts.emplace_back(rest.begin(), rest.begin() + static_cast<std::ptrdiff_t>(header.total));
     }
     return parts;
 }
 
-// A real certificate in pieces that can be changed, left out and added to. The names are the places
-// of the fields from version 2 on.
+// A real certificate in pieces that can be changed, left out and added to.
 struct Parts {
-    enum { kVersion, kSerial, kAlgorithm, kIssuer, kValidity, kSubject, kKey, kExtensions };
+    enum { kKey = 6, kExtensions };  // places of fields from version 2 on
 
     std::vector<Octets> tbs;
     std::vector<Octets> behind;
