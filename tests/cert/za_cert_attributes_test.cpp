@@ -21,7 +21,7 @@ uint32_t expected(const std::vector<Row> &table, int32_t id, const char *accesso
 
 TEST(CertificateAttributes, EveryIdentifierHasTheAccessorsOfItsKind) {
     const NoLeak no_leak;
-    const std::vector<Row> table = rows_of("rows/identifiers");
+    const std::vector<Row> table = rows_of("certs/rows/identifiers");
     for (int32_t id = -1; id <= 3010; ++id) {
         SCOPED_TRACE(id);
         const uint32_t get_char = expected(table, id, "Char", 'G');
@@ -76,7 +76,7 @@ TEST(CertificateAttributes, StringTypesHaveOnePlacePerEntry) {
 TEST(CertificateAttributes, AllocationFaultsChangeNothing) {
     for (int32_t id = 1; id <= 3003; ++id) {
         const Context probe;
-        const Octets value = octets_of(id == CERTEX_EXTKEY_USAGE_OID_DEFINE ? "\"1.2\"" : "31");
+        const Octets value = value_of(id == CERTEX_EXTKEY_USAGE_OID_DEFINE ? "\"1.2\"" : "31");
         if (probe.set(id, value) != 0) {
             continue;
         }
@@ -98,7 +98,7 @@ TEST(CertificateAttributes, AllocationFaultsChangeNothing) {
 TEST(CertificateAttributes, GettersThatMakeTextSurviveFaults) {
     const Context source;
     for (const int32_t id : {13, 13, 37, 37, 14, 38}) {
-        EXPECT_EQ(source.set(id, octets_of("\"unit\"")), 0u);
+        EXPECT_EQ(source.set(id, value_of("\"unit\"")), 0u);
     }
     for (const int32_t id : {13, 37}) {
         expect_allocation_faults_survived([&] {

@@ -43,7 +43,7 @@ Octets changed(const std::string &what, const Octets &octets) {
 }
 
 uint32_t take_step(const Context &cert, const Row &row) {
-    const Octets octets = row[0] == "int" ? Octets{} : octets_of(row[2]);
+    const Octets octets = row[0] == "int" ? Octets{} : value_of(row[2]);
     if (row[0] == "decode" || row[0] == "again") {
         return cert.decode(row[1] == "octets" ? octets : changed(row[1], octets));
     }
@@ -60,7 +60,7 @@ class CertificateSteps : public testing::TestWithParam<const char *> {};
 TEST_P(CertificateSteps, EndAsWritten) {
     const NoLeak no_leak;
     std::unique_ptr<Context> cert;
-    for (const Row &row : rows_of(std::string("rows/") + GetParam())) {
+    for (const Row &row : rows_of(std::string("certs/rows/") + GetParam())) {
         SCOPED_TRACE(row[0] + "|" + row[1] + "|" + row[2]);
         if (row[0] == "decode" || row[0] == "new") {
             cert = std::make_unique<Context>();
@@ -68,7 +68,7 @@ TEST_P(CertificateSteps, EndAsWritten) {
         const auto is_line = [](const std::string &field) { return field.starts_with('-'); };
         const auto checks = std::find_if_not(row.begin() + 4, row.end(), is_line);
         const TraceRecord trace;
-        EXPECT_EQ(take_step(*cert, row), number(row[3]));
+        EXPECT_EQ(take_step(*cert, row), number_of(row[3]));
         EXPECT_EQ(trace.failures(), Lines(row.begin() + 4, checks));
         std::for_each(checks, row.end(), [&](const auto &check) { expect_seen(*cert, check); });
     }
@@ -86,7 +86,7 @@ TEST(CertificateDecoding, AttributesAreWhatOpensslFinds) {
         const Context cert;
         ASSERT_EQ(cert.decode(certificate(name)), 0u);
         std::set<int32_t> there{CERT_SUBJECTPUBLICKEYINFO};
-        for (const Row &row : rows_of(std::string(name) + ".expect")) {
+        for (const Row &row : rows_of("certs/" + std::string(name) + ".expect")) {
             expect_seen(cert, row[0]);
             there.insert(std::atoi(row[0].c_str()));
         }
@@ -113,7 +113,7 @@ TEST(CertificateDecoding, LinesOfASuccessAreCounted) {
         EXPECT_EQ(ZACert_DestroyCertDecodeCtx(cert), 0u);
     }
     Lines expected;
-    for (const Row &row : rows_of("rows/success_trace")) {
+    for (const Row &row : rows_of("certs/rows/success_trace")) {
         expected.push_back(row[0]);
     }
     EXPECT_EQ(trace.lines(), expected);
@@ -130,11 +130,11 @@ TEST(CertificateDecoding, HeaderDecidesHowFarACertificateGoes) {
         EXPECT_EQ(cert->whole.bytes().size(), size);
     }
     const Context cert;
-    for (const Row &row : rows_of("rows/lengths")) {
+    for (const Row &row : rows_of("certs/rows/lengths")) {
         SCOPED_TRACE(row[0]);
         const Octets padded = join({from_hex(row[0]), Octets(65536)});
         const Context big;
-        const uint32_t result = ZACert_DecodeCert(big, padded.data(), number(row[1]));
+        const uint32_t result = ZACert_DecodeCert(big, padded.data(), number_of(row[1]));
         EXPECT_TRUE(result == 101 || row[2] == "read") << result;
         EXPECT_EQ(big->whole.empty(), row[2] == "refused");
     }

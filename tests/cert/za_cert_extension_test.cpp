@@ -112,11 +112,11 @@ uint32_t set_typed(void *cert, const Octets &value, uint32_t type) {
 }
 
 TEST(CertificatePrivate, ValuesAreEncodedByType) {
-    for (const Row &row : rows_of("rows/typed_values")) {
+    for (const Row &row : rows_of("certs/rows/typed_values")) {
         SCOPED_TRACE(row[1]);
         const auto call = [&] {
             cert::Certificate cert;
-            const uint32_t result = set_typed(&cert, from_hex(row[1]), number(row[0]));
+            const uint32_t result = set_typed(&cert, from_hex(row[1]), number_of(row[0]));
             EXPECT_EQ(cert.extensions_changed, result == 0);
             EXPECT_EQ(cert.private_extensions.empty(), result != 0);
             for (const cert::PrivateExtension &extension : cert.private_extensions) {
@@ -125,7 +125,7 @@ TEST(CertificatePrivate, ValuesAreEncodedByType) {
             }
             return result;
         };
-        EXPECT_EQ(call(), number(row[2]));
+        EXPECT_EQ(call(), number_of(row[2]));
         expect_allocation_faults_survived(call);
     }
 }
@@ -165,10 +165,10 @@ TEST(CertificatePrivate, SettersLookAtTheirArguments) {
 }
 
 TEST(Thumbprint, IsADigestInfo) {
-    for (const Row &row : rows_of("rows/thumbprints")) {
+    for (const Row &row : rows_of("certs/rows/thumbprints")) {
         const Octets digest = from_hex(row[2]);
         const auto encode = [&](uint8_t *out, uint32_t *len) {
-            return EnCodeThums(row[0].c_str(), number(row[1]), digest.data(),
+            return EnCodeThums(row[0].c_str(), number_of(row[1]), digest.data(),
                                static_cast<uint32_t>(digest.size()), out, len);
         };
         EXPECT_EQ(to_hex(two_calls(encode)), row[3] + " " + row[2]);

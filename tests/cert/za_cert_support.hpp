@@ -3,11 +3,10 @@
 
 #include "cert/za_cert_context.hpp"
 #include "support/bytes.hpp"
+#include "support/rows.hpp"
 
-#include <fstream>
 #include <gtest/gtest.h>
 #include <map>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -23,30 +22,9 @@ inline Octets certificate(const std::string &name) {
 
 using Lines = std::vector<std::string>;  // of a trace
 
-// Rows of data: fields between bars; "#" begins a line of comment.
-using Row = std::vector<std::string>;
-
-inline std::vector<Row> rows_of(const std::string &name) {
-    static const std::regex kBar(" *[|] *");
-    std::ifstream file(ZACERT_TEST_DATA "/certs/" + name);
-    std::vector<Row> rows;
-    for (std::string line; std::getline(file, line);) {
-        if (line[0] != '#') {
-            const std::sregex_token_iterator fields(line.begin(), line.end(), kBar, -1);
-            rows.emplace_back(fields, std::sregex_token_iterator());
-        }
-    }
-    EXPECT_FALSE(rows.empty()) << name;
-    return rows;
-}
-
-inline uint32_t number(const std::string &field) {
-    return static_cast<uint32_t>(std::stoul(field));
-}
-
 // Text between quotes, or hex.
-inline Octets octets_of(std::string_view field) {
-    return field.starts_with('"') ? Octets(field.begin() + 1, field.end() - 1) : from_hex(field);
+inline Octets value_of(std::string_view cell) {
+    return cell.starts_with('"') ? Octets(cell.begin() + 1, cell.end() - 1) : from_hex(cell);
 }
 
 inline std::string plain_hex(std::span<const uint8_t> octets) {
@@ -174,7 +152,7 @@ inline void expect_seen(const Context &cert, const std::string &check) {
     const std::string name = check.substr(0, equals);
     const std::string value = check.substr(equals + 1);
     if (std::isdigit(name[0]) != 0) {
-        EXPECT_EQ(cert.hex(std::stoi(name)), to_hex(octets_of(value))) << name;
+        EXPECT_EQ(cert.hex(std::stoi(name)), to_hex(value_of(value))) << name;
     } else {
         EXPECT_EQ(seen(cert, name), value) << name;
     }

@@ -5,6 +5,7 @@
 
 #include "support/der.hpp"
 #include "support/heap.hpp"
+#include "support/rows.hpp"
 #include "support/survival.hpp"
 #include "support/trace.hpp"
 

@@ -2,6 +2,7 @@
 
 #include "support/bytes.hpp"
 #include "support/heap.hpp"
+#include "support/rows.hpp"
 #include "support/trace.hpp"
 
 #include <algorithm>

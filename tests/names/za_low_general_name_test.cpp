@@ -2,6 +2,7 @@
 
 #include "names/za_low_name_support.hpp"
 #include "support/heap.hpp"
+#include "support/rows.hpp"
 #include "support/survival.hpp"
 #include "support/trace.hpp"
 

@@ -4,6 +4,7 @@
 
 #include "support/bytes.hpp"
 #include "support/heap.hpp"
+#include "support/rows.hpp"
 
 #include <gtest/gtest.h>
 

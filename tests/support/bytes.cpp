@@ -77,56 +77,6 @@ Octets data_file(const std::string &name) {
     return read_file(std::string(ZACERT_TEST_DATA) + "/" + name);
 }
 
-namespace {
-
-std::string trimmed(std::string_view text) {
-    const size_t first = text.find_first_not_of(' ');
-    return std::string(
-        first == text.npos ? "" : text.substr(first, text.find_last_not_of(' ') - first + 1));
-}
-
-// A separator that stands twice is text.
-std::vector<std::string> split(std::string_view text, char separator) {
-    std::vector<std::string> parts;
-    size_t begin = 0;
-    for (size_t at = 0; at < text.size(); ++at) {
-        if (text.substr(at, 2) == std::string(2, separator)) {
-            ++at;
-        } else if (text[at] == separator) {
-            parts.push_back(trimmed(text.substr(begin, at - begin)));
-            begin = at + 1;
-        }
-    }
-    parts.push_back(trimmed(text.substr(begin)));
-    return parts;
-}
-
-}  // namespace
-
-std::vector<std::vector<std::string>> rows_of(const std::string &name) {
-    const Octets octets = data_file(name);
-    std::istringstream lines(std::string(octets.begin(), octets.end()));
-    std::vector<std::vector<std::string>> rows;
-    for (std::string line; std::getline(lines, line);) {
-        if (!line.empty() && line.front() != '#') {
-            rows.push_back(split(line, '|'));
-        }
-    }
-    return rows;
-}
-
-uint32_t number_of(const std::string &cell) {
-    return static_cast<uint32_t>(std::stol(cell));
-}
-
-Octets octets_of_cell(const std::string &cell) {
-    return cell.ends_with(".der") ? data_file(cell) : from_hex(cell);
-}
-
-std::vector<std::string> list_of(const std::string &cell) {
-    return cell.empty() ? std::vector<std::string>{} : split(cell, ';');
-}
-
 Anybuf borrowed(const Octets &octets, uint32_t data_type) {
     Anybuf record{};
     record.data = const_cast<uint8_t *>(octets.data());

@@ -22,12 +22,6 @@ std::string to_hex(const Anybuf *record);  // "(none)" for NULL
 Octets read_file(const std::string &path);
 Octets data_file(const std::string &name);  // below tests/data
 
-// The cases of a data file: a line each, its cells between bars. "#" begins a comment.
-std::vector<std::vector<std::string>> rows_of(const std::string &name);
-uint32_t number_of(const std::string &cell);                // -1 is 0xFFFFFFFF
-Octets octets_of_cell(const std::string &cell);             // hex, or a data file's name
-std::vector<std::string> list_of(const std::string &cell);  // "a; b"
-
 // A record as it stands in memory.
 template <class Type>
 Octets octets_of(const Type &record) {

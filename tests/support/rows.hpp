@@ -1,0 +1,21 @@
+// Cases in files of tests/data: one per line.
+#pragma once
+
+#include "support/bytes.hpp"
+
+#include <string>
+#include <vector>
+
+namespace za::test {
+
+using Row = std::vector<std::string>;
+
+// The cells of every line, which stand between bars; "#" begins a remark. A bar that stands twice
+// is text. `name` is below tests/data.
+std::vector<Row> rows_of(const std::string &name);
+
+uint32_t number_of(const std::string &cell);     // decimal or 0x..; -1 is 0xFFFFFFFF
+Octets octets_of_cell(const std::string &cell);  // hex, or a data file's name
+Row list_of(const std::string &cell);            // "a; b"
+
+}  // namespace za::test
