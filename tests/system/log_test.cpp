@@ -114,6 +114,7 @@ TEST_F(Log, TwoProcessesAppendWholeLines) {
 // What a log in the way must not change: a folder, and a link that leads elsewhere.
 TEST_F(Log, ThatCannotBeOpenedChangesNoResult) {
     const fs::path elsewhere = trace_log().replace_filename("elsewhere");
+    fs::remove(elsewhere);
     for (const bool link : {false, true}) {
         link ? fs::create_symlink(elsewhere, trace_log())
              : static_cast<void>(fs::create_directory(trace_log()));
