@@ -2,7 +2,7 @@
 #include "support/bytes.hpp"
 #include "support/handed.hpp"
 #include "support/heap.hpp"
-#include "support/table.hpp"
+#include "support/rows.hpp"
 #include "support/trace.hpp"
 
 #include <algorithm>
@@ -100,7 +100,7 @@ struct Call {
         add(has_record, [&] { return describe(made); });
         add(array.dataType != kUntouched, [&] { return describe(&array); });
         add(oid, [&] { return std::to_string(oid->algorithm) + " " + describe(&oid->parameters); });
-        return trimmed(all);
+        return split(all, '\n').front();
     }
 };
 
@@ -153,15 +153,15 @@ struct InputChain {
     explicit InputChain(const std::string &text) {
         Anybuf *first = nullptr;
         Anybuf **link = &first;
-        for (const std::string &part : text.empty() ? Fields{} : split(text, ';')) {
+        for (const std::string &part : list_of(text)) {
             Anybuf &record = records.emplace_back();
             *std::exchange(link, &record.next) = &record;
             if (part != "NULL") {
                 const Octets octets = from_hex(part.substr(std::min(part.find(' '), part.size())));
-                record = borrowed(octets, number(part));
+                record = borrowed(octets, number_of(part));
                 record.data = blocks.emplace_back(new uint8_t[octets.size()]).get();
                 record.unusedBits =
-                    part.find('/') == part.npos ? 0 : number(part.substr(part.find('/') + 1));
+                    part.find('/') == part.npos ? 0 : number_of(part.substr(part.find('/') + 1));
                 std::ranges::copy(octets, record.data);
             }
         }
@@ -183,15 +183,15 @@ void set_zone(const std::string &name) {
     tzset();
 }
 
-void expect_row(const Fields &row) {
+void expect_row(const Row &row) {
     SCOPED_TRACE(row[0] + " of " + row[1]);
     const NoLeak no_leak;
     set_zone(row.size() > 4 ? row[4] : "UTC");
-    const Fields name = split(row[0], ' ');
-    const Fields expected = split(row[2], ' ');
+    const Row name = split(row[0], ' ');
+    const Row expected = split(row[2], ' ');
     const InputChain in(in_hex(row[1]));
     const auto run = [&] {
-        Call call(in.head(), name.size() > 1 ? number(name[1]) : kUntouched);
+        Call call(in.head(), name.size() > 1 ? number_of(name[1]) : kUntouched);
         const uint32_t result = kFunctions.at(name[0])(call);
         // Rows of failing allocations say nothing of success.
         const bool is_told = result != 0 || expected[0] == "0";
@@ -199,9 +199,9 @@ void expect_row(const Fields &row) {
         return result;
     };
     const TraceRecord trace;
-    fail_allocation(expected.size() > 1 ? number(expected[2]) : 0);
+    fail_allocation(expected.size() > 1 ? number_of(expected[2]) : 0);
     const uint32_t result = run();
-    EXPECT_EQ(result, number(expected[0]));
+    EXPECT_EQ(result, number_of(expected[0]));
     EXPECT_EQ(joined(trace.failures()), result == 0 ? "" : row[3]);
     EXPECT_EQ(trace.lines().at(0), "======>" + name[0] + " Begin");
     EXPECT_EQ(trace.lines().at(1) == "======>" + name[0] + " End", result == 0);
@@ -210,7 +210,7 @@ void expect_row(const Fields &row) {
 
 TEST(Codec, Rows) {
     for (const char *file : {"elements", "headers", "integers", "times"}) {
-        for (const Fields &row : table(std::string("asn1/") + file + ".txt")) {
+        for (const Row &row : rows_of(std::string("asn1/") + file + ".txt")) {
             expect_row(row);
         }
     }
@@ -218,8 +218,8 @@ TEST(Codec, Rows) {
 
 TEST(Codec, NeedsItsArguments) {
     std::map<std::string, uint32_t> others;
-    for (const Fields &row : table("asn1/null.txt")) {
-        others[row[0]] = number(row[1]);
+    for (const Row &row : rows_of("asn1/null.txt")) {
+        others[row[0]] = number_of(row[1]);
     }
     const Octets octets = from_hex("30 00 50 01 00 00 00 00 00 00 00 00 00");
     const Anybuf in = borrowed(octets);
@@ -240,9 +240,9 @@ TEST(Codec, LengthsReadBackAsWritten) {
     const auto bytes_of = [](const Handed &from) {
         return std::span(from.record->data, from.record->dataLen);
     };
-    for (const Fields &row : table("asn1/lengths.txt")) {
+    for (const Row &row : rows_of("asn1/lengths.txt")) {
         SCOPED_TRACE(row[0]);
-        const Octets content(number(row[0]), 0x55);
+        const Octets content(number_of(row[0]), 0x55);
         Octets whole = from_hex("04 " + row[1]);
         whole.insert(whole.end(), content.begin(), content.end());
         const uint32_t size = static_cast<uint32_t>(whole.size());

@@ -2,7 +2,7 @@
 #include "support/bytes.hpp"
 #include "support/handed.hpp"
 #include "support/heap.hpp"
-#include "support/table.hpp"
+#include "support/rows.hpp"
 #include "support/trace.hpp"
 
 #include <algorithm>
@@ -46,7 +46,7 @@ Octets repeated(std::initializer_list<std::pair<size_t, const char *>> parts) {
 
 TEST(Indefinite, BecomesDefinite) {
     Octets out, again;
-    for (const Fields &row : table("asn1/indefinite.txt")) {
+    for (const Row &row : rows_of("asn1/indefinite.txt")) {
         SCOPED_TRACE(row[0]);
         const TraceRecord trace;
         ASSERT_EQ(convert(from_hex(row[1]), out), row[2].empty() ? 123u : 0u);

@@ -5,7 +5,6 @@
 #include <charconv>
 #include <fstream>
 #include <iterator>
-#include <sstream>
 #include <stdexcept>
 
 namespace za::test {
