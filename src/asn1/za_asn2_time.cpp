@@ -3,6 +3,7 @@
 #include "asn1/za_asn2_cell.hpp"
 #include "runtime/trace.hpp"
 
+#include <algorithm>
 #include <ctime>
 
 namespace {

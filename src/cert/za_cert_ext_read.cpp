@@ -4,6 +4,7 @@
 #include "names/za_low_oid.hpp"
 #include "runtime/trace.hpp"
 
+#include <algorithm>
 #include <array>
 
 namespace {

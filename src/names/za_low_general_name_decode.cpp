@@ -1,6 +1,8 @@
 #include "names/za_low_general_name.hpp"
 #include "runtime/trace.hpp"
 
+#include <algorithm>
+
 namespace {
 
 constexpr za::TraceSource trace{".\\src\\za_low"};

@@ -2,6 +2,7 @@
 
 #include "runtime/trace.hpp"
 
+#include <algorithm>
 #include <charconv>
 
 namespace {

@@ -2,6 +2,8 @@
 
 #include "runtime/trace.hpp"
 
+#include <algorithm>
+
 namespace {
 
 constexpr za::TraceSource trace{".\\src\\za_low"};

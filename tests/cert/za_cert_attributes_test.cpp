@@ -4,6 +4,7 @@
 #include "support/heap.hpp"
 #include "support/trace.hpp"
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 

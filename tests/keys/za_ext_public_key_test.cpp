@@ -2,6 +2,8 @@
 
 #include "key_files.hpp"
 
+#include <algorithm>
+
 using namespace za::test;
 
 namespace {
