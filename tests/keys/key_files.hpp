@@ -3,16 +3,17 @@
 
 #include <zacert.h>
 
-#include "support/der.hpp"
 #include "support/heap.hpp"
 #include "support/rows.hpp"
-#include "support/survival.hpp"
 #include "support/trace.hpp"
 
 #include <cstring>
 #include <gtest/gtest.h>
 
 namespace za::test {
+
+// What decoders of keys refuse input with.
+inline const std::set<uint32_t> kKeyCodes{101, 102, 108, 113, 122};
 
 inline Octets key_file(const std::string &name) {
     return data_file("keys/" + name);
@@ -22,16 +23,6 @@ inline int32_t len_of(const Octets &octets) {
     return static_cast<int32_t>(octets.size());
 }
 
-inline void expect_damage_survived(const Octets &der,
-                                   const std::function<uint32_t(const Octets &)> &decode) {
-    expect_survives_cuts_and_changes(der, {101, 102, 108, 113, 122}, decode);
-}
-
-// `whole` with one of its elements replaced, or cut off with all behind it.
-inline Octets with(std::vector<Octets> whole, size_t place, const Octets &element) {
-    whole.at(place) = element;
-    return sequence(whole);
-}
 inline Octets first(const std::vector<Octets> &whole, size_t count) {
     return sequence({whole.begin(), whole.begin() + long(count)});
 }
@@ -44,20 +35,45 @@ Record marked() {
     return record;
 }
 
-// The refused inputs of a file, with their results and failures; the file is UTF-8, the log
-// GB18030.
-inline void expect_refused(const std::string &file,
-                           const std::function<uint32_t(const Octets &)> &decode) {
-    for (const auto &row : rows_of("keys/" + file)) {
-        SCOPED_TRACE(row.at(0));
-        const Octets text(row.at(3).begin(), row.at(3).end());
-        const Octets trail = two_calls([&](uint8_t *out, uint32_t *len) {
-            return ZI_UTF8String2Chinese(text.data(), len_of(text), out, len);
-        });
-        const TraceRecord record;
-        EXPECT_EQ(decode(octets_of_cell(row.at(1))), number_of(row.at(2)));
-        EXPECT_EQ(record.failures(), list_of({trail.begin(), trail.end()}));
+// The decoder and the encoder of a record of fixed size.
+template <class Key>
+struct Codec {
+    std::function<uint32_t(Key *, const uint8_t *, int32_t)> decode_key;
+    std::function<uint32_t(const Key *, uint8_t *, uint32_t *)> encode_key;
+    std::set<Trail> no_memory;  // the encoder's failures
+
+    uint32_t decode(const Octets &der, Key *out = nullptr) const {
+        auto key = marked<Key>();
+        const uint32_t result = decode_key(&key, der.data(), len_of(der));
+        EXPECT_TRUE(result == 0 || octets_of(key) == octets_of(marked<Key>()));
+        if (out != nullptr) {
+            *out = key;
+        }
+        return result;
     }
-}
+    Octets encode(const Key &key) const {
+        return two_calls([&](uint8_t *out, uint32_t *len) { return encode_key(&key, out, len); });
+    }
+    void expect_refused(const std::string &file) const {
+        expect_decoded(file, {}, [&](const Octets &der, std::string &) { return decode(der); });
+    }
+    void expect_faults_survived(const Octets &der, const Key &key) const {
+        const Octets written = encode(key);
+        const Octets untouched(written.size(), 0xA5);
+        expect_allocation_faults_survived([&] { return decode(der); });
+        expect_allocation_faults_survived([&] {
+            Octets out = untouched;
+            auto len = uint32_t(out.size());
+            const TraceRecord record;
+            const uint32_t result = encode_key(&key, out.data(), &len);
+            EXPECT_EQ(out, result == 0 ? written : untouched);
+            EXPECT_EQ(len, out.size());
+            EXPECT_EQ(no_memory.contains(record.failures()), result != 0)
+                << testing::PrintToString(record.failures());
+            return result;
+        });
+        expect_damage_survived(der, kKeyCodes, [&](const Octets &x) { return decode(x); });
+    }
+};
 
 }  // namespace za::test

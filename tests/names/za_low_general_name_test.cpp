@@ -1,12 +1,4 @@
-#include "names/za_low_general_name.hpp"
-
 #include "names/za_low_name_support.hpp"
-#include "support/heap.hpp"
-#include "support/rows.hpp"
-#include "support/survival.hpp"
-#include "support/trace.hpp"
-
-#include <gtest/gtest.h>
 
 namespace za::test {
 namespace {
@@ -41,24 +33,7 @@ uint32_t decode(const Octets &der, std::string &out) {
 }
 
 TEST(GeneralNames, DecodeOrLeaveOneLinePerLevelOfAFailure) {
-    const std::set<uint32_t> refused{101, 102, 106, 108, 121, 0xFFFFFFFE, 0xFFFFFFFF};
-    for (const auto &row : rows_of("names/general_names.txt")) {
-        SCOPED_TRACE(row.at(0));
-        const Octets names = octets_of_cell(row.at(1));
-        std::string record;
-        {
-            const TraceRecord trace;
-            fail_allocation(number_of(row.at(2)) == 100 ? 1 : 0);
-            EXPECT_EQ(decode(names, record), number_of(row.at(2)));
-            EXPECT_EQ(record, row.at(3));
-            EXPECT_EQ(trace.failures(), list_of(row.at(4)));
-        }
-        if (number_of(row.at(2)) == 0) {
-            expect_allocation_faults_survived([&] { return decode(names, record); });
-            expect_survives_cuts_and_changes(
-                names, refused, [&](const Octets &der) { return decode(der, record); });
-        }
-    }
+    expect_decoded("names/general_names.txt", kNameCodes, decode);
 }
 
 // Whatever the record holds under a set flag stays, and children of that form are not even read.
@@ -80,30 +55,6 @@ TEST(GeneralNames, PassOverFormsThatAreThere) {
     ZI_ClearAnybuf(&record.rfc822Name);
 }
 
-// The engine of certificates decodes without copying: one block for each entry of the directory
-// name.
-TEST(GeneralNames, ViewsCostNothing) {
-    const Octets der = data_file("names/many_forms.der");
-    names::GeneralNames forms;
-    bool found = false;
-    const size_t before = heap_count().allocations;
-    ASSERT_EQ(names::decode_general_names(asn1::Element(der), forms, found), Status::ok);
-    EXPECT_EQ(heap_count().allocations - before, 2u);
-    EXPECT_TRUE(found);
-    EXPECT_EQ(to_hex(forms.ip_address), "C0 00 02 01");
-}
-
-using Encoder = uint32_t (*)(ZI_GeneralName *, Anybuf **);
-
-uint32_t encode(Encoder encoder, ZI_GeneralName &record, std::string &out) {
-    Anybuf *der = nullptr;
-    const uint32_t result = encoder(&record, &der);
-    EXPECT_TRUE(result == 0 || der == nullptr);
-    out = to_hex(der);
-    ZI_FreeAnybuf(der);
-    return result;
-}
-
 TEST(GeneralName, EncodesTheFirstFormOrAll) {
     const Octets strings[] = {from_hex("61"), from_hex("62"), from_hex("75 3A"),
                               from_hex("7F 00 00 01")};
@@ -123,20 +74,22 @@ TEST(GeneralName, EncodesTheFirstFormOrAll) {
         record.otherNameOidLen = 0xFFFFFFFF;
         record.otherNameValue = borrowed(value);
 
-        const std::pair<Encoder, std::string> encoders[] = {{ZI_EncodeGeneralName, row.at(6)},
-                                                            {ZI_EncodeGeneralNameS, row.at(7)}};
+        const std::pair<decltype(&ZI_EncodeGeneralName), std::string> encoders[] = {
+            {ZI_EncodeGeneralName, row.at(6)}, {ZI_EncodeGeneralNameS, row.at(7)}};
         for (const auto &[encoder, expected] : encoders) {
             SCOPED_TRACE(row.at(0) + ": " + expected);
-            std::string der;
+            const auto encode = [&, call = encoder] {
+                return handed([&](Anybuf **out) { return call(&record, out); });
+            };
             {
                 const TraceRecord trace;
-                const uint32_t result = expected == "(none)" ? number_of(row.at(5)) : 0;
-                EXPECT_EQ(encode(encoder, record, der), result);
-                EXPECT_EQ(der, expected);
-                EXPECT_EQ(trace.failures(), result == 0 ? Trail{} : list_of(row.at(8)));
+                const Handed der = encode();
+                EXPECT_EQ(der.result, expected == "(none)" ? number_of(row.at(5)) : 0);
+                EXPECT_EQ(to_hex(der.record.get()), expected);
+                EXPECT_EQ(trace.failures(), der.result == 0 ? Trail{} : list_of(row.at(8)));
             }
-            expect_allocation_faults_survived([&, call = encoder] {
-                const uint32_t result = encode(call, record, der);
+            expect_allocation_faults_survived([&] {
+                const uint32_t result = encode().result;
                 // An otherName's identifier that cannot be written is 108 even without memory.
                 return result == 108 ? 100 : result;
             });

@@ -1,11 +1,5 @@
 #include "names/za_low_name.hpp"
 #include "names/za_low_name_support.hpp"
-#include "support/heap.hpp"
-#include "support/rows.hpp"
-#include "support/survival.hpp"
-#include "support/trace.hpp"
-
-#include <gtest/gtest.h>
 
 namespace za::test {
 namespace {
@@ -44,23 +38,7 @@ TEST(Name, EveryKindHasItsObjectIdentifier) {
 }
 
 TEST(Name, DecodesOrLeavesOneLinePerLevelOfAFailure) {
-    const std::set<uint32_t> refused{101, 102, 106, 108, 121, 0xFFFFFFFE, 0xFFFFFFFF};
-    for (const auto &row : rows_of("names/decode.txt")) {
-        SCOPED_TRACE(row.at(0));
-        const Octets name = octets_of_cell(row.at(1));
-        std::string entries;
-        {
-            const TraceRecord trace;
-            EXPECT_EQ(decode(name, entries), number_of(row.at(2)));
-            EXPECT_EQ(entries, row.at(3));
-            EXPECT_EQ(trace.failures(), list_of(row.at(4)));
-        }
-        if (number_of(row.at(2)) == 0) {
-            expect_allocation_faults_survived([&] { return decode(name, entries); });
-            expect_survives_cuts_and_changes(
-                name, refused, [&](const Octets &der) { return decode(der, entries); });
-        }
-    }
+    expect_decoded("names/decode.txt", kNameCodes, decode);
 }
 
 TEST(Name, RefusesNullArguments) {

@@ -1,9 +1,5 @@
 #include "names/za_low_name.hpp"
 #include "names/za_low_name_support.hpp"
-#include "support/der.hpp"
-#include "support/heap.hpp"
-#include "support/rows.hpp"
-#include "support/trace.hpp"
 
 #include <array>
 #include <gtest/gtest.h>
@@ -14,13 +10,12 @@ namespace {
 using Table = std::array<uint8_t, 256>;
 
 uint32_t encode(ZI_Name *name, const uint8_t *table, std::string &out) {
-    Anybuf *der = nullptr;
-    const uint32_t result = table == nullptr ? ZI_EncodeIssuerSuject(name, &der)
-                                             : ZI_EncodeCertIssuerSuject(name, table, &der);
-    EXPECT_TRUE(result == 0 || der == nullptr);
-    out = to_hex(der);
-    ZI_FreeAnybuf(der);
-    return result;
+    const Handed der = handed([&](Anybuf **record) {
+        return table == nullptr ? ZI_EncodeIssuerSuject(name, record)
+                                : ZI_EncodeCertIssuerSuject(name, table, record);
+    });
+    out = to_hex(der.record.get());
+    return der.result;
 }
 
 Octets rdn(std::string_view oid, std::string_view value) {

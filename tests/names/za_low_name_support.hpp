@@ -3,12 +3,17 @@
 
 #include <zacert.h>
 
-#include "support/bytes.hpp"
+#include "support/handed.hpp"
+#include "support/heap.hpp"
+#include "support/rows.hpp"
+#include "support/trace.hpp"
 
 #include <deque>
-#include <string>
 
 namespace za::test {
+
+// What decoders of names refuse input with.
+inline const std::set<uint32_t> kNameCodes{101, 102, 106, 108, 121, 0xFFFFFFFE, 0xFFFFFFFF};
 
 class Entries {
   public:

@@ -1,7 +1,4 @@
 #include "names/za_low_name_support.hpp"
-#include "support/heap.hpp"
-
-#include <gtest/gtest.h>
 
 namespace za::test {
 namespace {
@@ -32,9 +29,7 @@ TEST(NameText, FollowsTheOrderOfKeysAndKeepsEveryAttribute) {
         EXPECT_EQ(len, result == 0 ? expected.size() : 77);
         return result;
     });
-}
-
-TEST(NameText, OfAnEmptyListIsEmpty) {
+    // Of an empty list it is empty.
     uint32_t len = 77;
     EXPECT_EQ(ZI_GetDN(nullptr, nullptr, &len), 0u);
     EXPECT_EQ(len, 0u);

@@ -1,4 +1,4 @@
-// Octets in tests: written as hex, compared as hex.
+// Octets in tests: written as hex, compared as hex, taken apart as DER.
 #pragma once
 
 #include <zacert.h>
@@ -21,6 +21,13 @@ std::string to_hex(const Anybuf *record);  // "(none)" for NULL
 
 Octets read_file(const std::string &path);
 Octets data_file(const std::string &name);  // below tests/data
+
+// DER taken apart, of less than 64 KiB, and put together again.
+Octets join(const std::vector<Octets> &parts);
+Octets element(uint8_t identifier, const Octets &content);
+Octets sequence(const std::vector<Octets> &children);
+Octets content_of(const Octets &element);
+std::vector<Octets> children_of(const Octets &element);
 
 // A record as it stands in memory.
 template <class Type>

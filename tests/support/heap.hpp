@@ -1,10 +1,10 @@
-// The heap under test: counts what the library asks for and fails where a test wants it to.
+// The heap under test, and what a call must survive: no memory, and damaged input.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include "support/bytes.hpp"
+
 #include <functional>
-#include <span>
+#include <set>
 
 namespace za::test {
 
@@ -13,31 +13,22 @@ struct HeapCount {
     size_t octets = 0;  // asked for
 };
 
-size_t live_blocks();
 HeapCount heap_count();  // since the process began
 
 // The k-th allocation from now on fails, once; 0 lets all succeed.
 void fail_allocation(size_t k);
-bool allocation_failed();
-
-// Allocations of the test itself: in its scope none fails and none is counted for fail_allocation.
-class SparedAllocation {
-  public:
-    SparedAllocation();
-    ~SparedAllocation();
-    SparedAllocation(const SparedAllocation &) = delete;
-    SparedAllocation &operator=(const SparedAllocation &) = delete;
-
-  private:
-    size_t until_failure_;
-};
 
 // Runs `call` again and again, its first allocation failing, then its second, and so on until one
-// run meets no failure. Expects of each run the undisturbed result, or 100 (or `documented`), and
-// that no block is left over. `call` releases what it is handed; where it fails it must find its
-// outputs untouched and say so with an expectation of its own.
-void expect_allocation_faults_survived(const std::function<uint32_t()> &call,
-                                       uint32_t documented = 100);
+// run meets no failure. Expects of each run the undisturbed result, or 100, and that no block is
+// left over. `call` releases what it is handed; where it fails it must find its outputs untouched
+// and say so with an expectation of its own.
+void expect_allocation_faults_survived(const std::function<uint32_t()> &call);
+
+// Calls with every cut of `octets`, which must be refused, and with every octet changed to every
+// other value, which may be: with a code of `refused`, and with nothing left over on the heap. What
+// is passed stands in a block of exactly its size.
+void expect_damage_survived(const Octets &octets, const std::set<uint32_t> &refused,
+                            const std::function<uint32_t(const Octets &)> &call);
 
 // Fails the test when blocks are left over at the end of a scope.
 class NoLeak {
@@ -51,15 +42,13 @@ class NoLeak {
     size_t before_;
 };
 
-// Looks into every block that is freed in its scope for a secret that should have been wiped.
-class FreedSecret {
+// Fails the test when a block that is freed in its scope still holds a secret.
+class NoSecret {
   public:
-    explicit FreedSecret(std::span<const uint8_t> secret);
-    ~FreedSecret();
-    FreedSecret(const FreedSecret &) = delete;
-    FreedSecret &operator=(const FreedSecret &) = delete;
-
-    bool found() const;
+    explicit NoSecret(std::span<const uint8_t> secret);
+    ~NoSecret();
+    NoSecret(const NoSecret &) = delete;
+    NoSecret &operator=(const NoSecret &) = delete;
 };
 
 }  // namespace za::test

@@ -25,12 +25,8 @@ Trail TraceRecord::lines() const {
 }
 
 Trail TraceRecord::failures() const {
-    Trail failures;
-    for (const std::string &line : remembered) {
-        if (line.starts_with("-")) {
-            failures.push_back(line);
-        }
-    }
+    Trail failures = remembered;
+    std::erase_if(failures, [](const std::string &line) { return !line.starts_with("-"); });
     return failures;
 }
 

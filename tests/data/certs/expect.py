@@ -19,9 +19,8 @@ PURPOSES = ["TLS Web Server Authentication", "TLS Web Client Authentication", "C
 
 
 class Node:
-    def __init__(self, whole, header, tag, text):
-        self.whole, self.content, self.tag, self.text = whole, whole[header:], tag, text
-        self.children = []
+    def __init__(self, der, header, tag, text):
+        self.whole, self.content, self.tag, self.text, self.children = der, der[header:], tag, text, []
 
     def __getitem__(self, index):
         return self.children[index]
@@ -38,20 +37,18 @@ def parse(der):
     path = []
     for match in re.finditer(line, listing):
         at, depth, header, length = map(int, match.groups()[:4])
-        node = Node(der[at:at + header + length], header, match[5], match[6])
-        del path[depth:]
-        if path:
-            path[-1].children.append(node)
-        path.append(node)
+        path[depth:] = [Node(der[at:at + header + length], header, match[5], match[6])]
+        if depth:
+            path[depth - 1].children.append(path[depth])
     return path[0]
 
 
 def entries(name):
-    for rdn in name.children:
-        for kind, string in (attribute.children for attribute in rdn.children):
-            is_bmp = string.tag == "BMPSTRING"
-            yield kind.text, (string.content.decode("utf-16-be").encode("gb18030") if is_bmp
-                              else string.content)
+    for rdn in name:
+        for kind, value in rdn:
+            is_bmp = value.tag == "BMPSTRING"
+            yield kind.text, (value.content.decode("utf-16-be").encode("gb18030") if is_bmp
+                              else value.content)
 
 
 def char(identifier, octets):
@@ -81,15 +78,11 @@ def show_key(info):
     char(53, algorithm[0].content)
     if len(algorithm.children) > 1 and algorithm[1].tag != "NULL":
         char(3003, algorithm[1].content if algorithm[1].tag == "OBJECT" else algorithm[1].whole)
-    if len(bits) == 65 and bits[0] == 4:
-        print("point=" + bits[1:].hex().upper())
-    else:
-        char(54, bits)
+    char(*("point", bits[1:]) if len(bits) == 65 and bits[0] == 4 else (54, bits))
 
 
 def purposes(found):
-    mask = sum(0x40 << PURPOSES.index(purpose.text) for purpose in found.children
-               if purpose.text in PURPOSES)
+    mask = sum(0x40 << PURPOSES.index(oid.text) for oid in found if oid.text in PURPOSES)
     return mask.to_bytes(4, "little")
 
 
@@ -115,7 +108,7 @@ EXTENSIONS = {  # the value's element and the criticality to attributes
     "Issuer Alternative Name": lambda found, _: directory(found, 114, 115)}
 
 with open(sys.argv[1], "rb") as file:
-    tbs, algorithm, signature = parse(file.read()).children
+    tbs, algorithm, signature = parse(file.read())
 char(1, tbs.whole)
 char(2, algorithm[0].content)
 char(3, signature.content[1:])
