@@ -69,8 +69,8 @@ class Certificates(ShowTest):
                 self.agree(self.pem(late.replace(old, new)))
 
     def test_version_1(self):
-        certificate = self.agree(oracle.run(["openssl", "x509", "-new", "-subj", "/CN=first",
-                                             "-signkey", self.key()]))
+        # Made beforehand: openssl from 3.4 on adds extensions to every certificate of its own.
+        certificate = self.agree(self.pem((DATA.parent / "certs/rsa_v1.der").read_bytes()))
         self.assertEqual((certificate["version"], certificate["extensions"]), (1, []))
 
     def test_issued_by_another(self):
