@@ -1,5 +1,7 @@
 #include "key_files.hpp"
 
+#include <algorithm>
+
 using namespace za::test;
 
 namespace {
