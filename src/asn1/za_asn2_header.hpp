@@ -19,7 +19,6 @@ constexpr uint32_t kBitString = 3;
 constexpr uint32_t kOctetString = 4;
 constexpr uint32_t kNull = 5;
 constexpr uint32_t kObjectId = 6;
-constexpr uint32_t kEnumerated = 10;
 constexpr uint32_t kUtf8String = 12;
 constexpr uint32_t kSequence = 16;
 constexpr uint32_t kSet = 17;

@@ -145,7 +145,7 @@ Status read_utc_time(const Element &in, TimeFields &out) {
     }
     Header header;
     ZA_PASS(open_element(in, header));
-    ZA_TRY(ZAsn1_Low_ReadLongTime, read_long_time(in, out));
+    ZA_TRY(ZAsn1_Low_ReadLongTime, time_from_content(in.octets.subspan(header.size()), out));
     return Status::ok;
 }
 
@@ -159,7 +159,7 @@ Status read_generalized_time(const Element &in, TimeFields &out) {
     if (is_long_time(content)) {
         return time_from_long_text(content, out);
     }
-    ZA_TRY(ZAsn1_Low_ReadLongTime, read_long_time(in, out));
+    ZA_TRY(ZAsn1_Low_ReadLongTime, time_from_content(content, out));
     return Status::ok;
 }
 

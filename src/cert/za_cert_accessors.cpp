@@ -127,7 +127,6 @@ Status count_unused_bits(Bytes value, uint32_t &out) {
 Status set_key_usage(Certificate &cert, const Row &row, Bytes value) {
     ZA_PASS((set_value_once<&Certificate::key_usage, &KeyUsage::value, Criticality::raised>(
         cert, row, value)));
-    cert.key_usage.unused_bits = 0;
     if (count_unused_bits(value, cert.key_usage.unused_bits) != Status::ok) {
         return trace.fail(Status::attribute_already_set, "----->Set CertTex_KeyUsage_SetUnuseBit");
     }

@@ -28,8 +28,11 @@ Status write_half(Bytes half, Chain &out) {
     return Status::ok;
 }
 
+}  // namespace
+
 // SEQUENCE { r INTEGER, s INTEGER }
-Status write_signature(const ZA_ECCSignStruct &signature, Octets &out) {
+Status encode_ecc_signature(const ZA_ECCSignStruct &signature, Octets &out) {
+    trace.note(kEncodeBegin);
     const Bytes r = significant(signature.r);
     const Bytes s = significant(signature.s);
     if (r.empty()) {
@@ -50,7 +53,8 @@ Status write_signature(const ZA_ECCSignStruct &signature, Octets &out) {
     return Status::ok;
 }
 
-Status read_signature(Bytes der, ZA_ECCSignStruct &out) {
+Status decode_ecc_signature(Bytes der, ZA_ECCSignStruct &out) {
+    trace.note(kDecodeBegin);
     if (der.empty()) {
         return trace.fail(Status::length, "------>pDerSignDataLen <= 0");
     }
@@ -64,18 +68,6 @@ Status read_signature(Bytes der, ZA_ECCSignStruct &out) {
     return Status::ok;
 }
 
-}  // namespace
-
-Status encode_ecc_signature(const ZA_ECCSignStruct &signature, Octets &out) {
-    trace.note(kEncodeBegin);
-    return write_signature(signature, out);
-}
-
-Status decode_ecc_signature(Bytes der, ZA_ECCSignStruct &out) {
-    trace.note(kDecodeBegin);
-    return read_signature(der, out);
-}
-
 }  // namespace za::keys
 
 using za::Status;
@@ -83,13 +75,13 @@ using za::Status;
 uint32_t ZA_Encode_ECCSignStructToDerData(const ZA_ECCSignStruct *sig, uint8_t *out,
                                           uint32_t *outLen) {
     return trace.unannounced([&] {
-        trace.note(kEncodeBegin);
-        if (sig == nullptr) {
-            return trace.fail(Status::memory, "------>pSignStruct = NULL");
+        if (sig == nullptr || outLen == nullptr) {
+            trace.note(kEncodeBegin);
+            return sig != nullptr ? trace.need(outLen)
+                                  : trace.fail(Status::memory, "------>pSignStruct = NULL");
         }
-        ZA_PASS(trace.need(outLen));
         za::Octets der;
-        ZA_PASS(za::keys::write_signature(*sig, der));
+        ZA_PASS(za::keys::encode_ecc_signature(*sig, der));
         if (!der.empty()) {
             za::hand_out(der.bytes(), out, outLen);
         }
@@ -100,13 +92,11 @@ uint32_t ZA_Encode_ECCSignStructToDerData(const ZA_ECCSignStruct *sig, uint8_t *
 uint32_t ZA_Decode_DerDataToECCSignStruct(ZA_ECCSignStruct *sig, const uint8_t *der,
                                           int32_t derLen) {
     return trace.unannounced([&] {
-        trace.note(kDecodeBegin);
-        if (sig == nullptr) {
-            return trace.fail(Status::memory, "------>pSignStruct is NULL");
+        if (sig == nullptr || (derLen > 0 && der == nullptr)) {
+            trace.note(kDecodeBegin);
+            return sig != nullptr ? trace.need(der)
+                                  : trace.fail(Status::memory, "------>pSignStruct is NULL");
         }
-        if (derLen > 0) {
-            ZA_PASS(trace.need(der));
-        }
-        return za::keys::read_signature(za::keys::view(der, derLen), *sig);
+        return za::keys::decode_ecc_signature(za::keys::view(der, derLen), *sig);
     });
 }

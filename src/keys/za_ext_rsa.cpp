@@ -47,24 +47,6 @@ Status need_record(const void *key) {
     return key != nullptr ? Status::ok : trace.fail(Status::memory, "------>Pointer is NULL");
 }
 
-Status read_private_key(Bytes der, ZA_RSAPrivateKey &out) {
-    if (der.empty()) {
-        return trace.fail(Status::length, "------>derPrivateKeyLen <= 0");
-    }
-    asn1::Children fields;
-    ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(asn1::Element(der), fields));
-    asn1::Element version;
-    if (!fields.next(version)) {
-        return trace.fail(Status::item_missing);
-    }
-    Wiped<ZA_RSAPrivateKey> key;
-    for (const std::span<uint8_t> field : private_fields(key.value)) {
-        ZA_PASS(read_number(fields, field));
-    }
-    out = key.value;
-    return Status::ok;
-}
-
 }  // namespace
 
 Status encode_public_key(const ZA_RSAPublicKey &key, Octets &out) {
@@ -108,7 +90,21 @@ Status encode_private_key(const ZA_RSAPrivateKey &key, Octets &out) {
 
 Status decode_private_key(Bytes der, ZA_RSAPrivateKey &out) {
     trace.note(kDecodePrivateKey);
-    return read_private_key(der, out);
+    if (der.empty()) {
+        return trace.fail(Status::length, "------>derPrivateKeyLen <= 0");
+    }
+    asn1::Children fields;
+    ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(asn1::Element(der), fields));
+    asn1::Element version;
+    if (!fields.next(version)) {
+        return trace.fail(Status::item_missing);
+    }
+    Wiped<ZA_RSAPrivateKey> key;
+    for (const std::span<uint8_t> field : private_fields(key.value)) {
+        ZA_PASS(read_number(fields, field));
+    }
+    out = key.value;
+    return Status::ok;
 }
 
 Status pkcs1_to_8(Bytes pkcs1, Octets &out) {
@@ -189,12 +185,12 @@ uint32_t ZA_Decode_PublicKey(ZA_RSAPublicKey *key, const uint8_t *der, int32_t d
 
 uint32_t ZA_Decode_PrivateKey(ZA_RSAPrivateKey *key, const uint8_t *der, int32_t derLen) {
     return trace.exported([&] {
-        trace.note(kDecodePrivateKey);
-        ZA_PASS(za::keys::need_record(key));
-        if (derLen > 0) {
-            ZA_PASS(trace.need(der));
+        if (key == nullptr || (derLen > 0 && der == nullptr)) {
+            trace.note(kDecodePrivateKey);
+            ZA_PASS(za::keys::need_record(key));
+            return trace.need(der);
         }
-        return za::keys::read_private_key(za::keys::view(der, derLen), *key);
+        return za::keys::decode_private_key(za::keys::view(der, derLen), *key);
     });
 }
 
