@@ -24,6 +24,7 @@
 
 #include <zacert/asn1.h>
 #include <zacert/base.h>
+#include <zacert/callbacks.h>
 #include <zacert/cert.h>
 #include <zacert/cert_attributes.h>
 #include <zacert/keys.h>
