@@ -9,10 +9,11 @@
  *            octets. A length of zero never reads the pointer beside it.
  * Buffers    Functions that fill a caller's buffer take a place for the octets and a place for
  *            their number. A NULL buffer asks for the length alone. The buffer's size is not
- * passed: ask first, allocate, call again. Text is not terminated by a zero octet. Ownership
- * Setters copy what they are given and getters copy out. What comes back through an `Anybuf **`
- * belongs to the caller, who releases it with ZI_FreeAnybuf; other memory handed out is released
- * with ZAPR_Free. Text       Text of callers is GB18030; the library converts it for DER and back.
+ *            passed: ask first, allocate, call again. Text is not terminated by a zero octet.
+ * Ownership  Setters copy what they are given and getters copy out. What comes back through an
+ *            `Anybuf **` belongs to the caller, who releases it with ZI_FreeAnybuf; other memory
+ *            handed out is released with ZAPR_Free.
+ * Text       Text of callers is GB18030; the library converts it for DER and back.
  * Times      Signed 32-bit seconds since 1970. DER times are read and written in the local zone of
  *            the process although they end in "Z": set TZ=UTC where objects of others are read.
  * Trace      Every function but the runtime's own writes lines to the trace log; see

@@ -36,8 +36,7 @@
 extern "C" {
 #endif
 
-/* ---- Tag, length and time ----------------------------------------------------------------------
- */
+/* ---- Tag, length and time -------------------------------------------------------------------- */
 
 /*
  * Of the functions below, these hand out allocated cells (`uint32_t **`), each released with
@@ -155,8 +154,7 @@ ZACERT_API uint32_t ZAsn1_Low_ReadLongTime(const Anybuf *element, int32_t *time)
 ZACERT_API uint32_t ZAsn1_IndefiniteToDefinite(const uint8_t *in, uint32_t inLen, uint8_t *out,
                                                uint32_t *outLen);
 
-/* ---- Primitive types ---------------------------------------------------------------------------
- */
+/* ---- Primitive types ------------------------------------------------------------------------- */
 
 /* ZAsn1_WriteInteger: INTEGER of an unsigned number, never negative: 128 is 02 02 00 80. */
 ZACERT_API uint32_t ZAsn1_WriteInteger(uint32_t value, Anybuf **out);
@@ -269,8 +267,7 @@ ZACERT_API uint32_t ZAsn1_WriteGeneralizedTime(const int32_t *time, Anybuf **out
  */
 ZACERT_API uint32_t ZAsn1_ReadGeneralizedTime(const Anybuf *in, int32_t *time);
 
-/* ---- Constructed types and context tags --------------------------------------------------------
- */
+/* ---- Constructed types and context tags ------------------------------------------------------ */
 
 /* ZAsn1_WriteSequence: SEQUENCE of a chain of whole elements; a NULL chain gives 30 00. */
 ZACERT_API uint32_t ZAsn1_WriteSequence(const Anybuf *chain, Anybuf **out);

@@ -26,8 +26,7 @@
 extern "C" {
 #endif
 
-/* ---- Context -----------------------------------------------------------------------------------
- */
+/* ---- Context --------------------------------------------------------------------------------- */
 
 /*
  * ZACert_CreateCertEncodeCtx: a new certificate context in `*ctx`, which the caller destroys with
@@ -44,8 +43,7 @@ ZACERT_API uint32_t ZACert_DestroyCertEncodeCtx(void *ctx);
 /* ZACert_DestroyCertDecodeCtx: the same. */
 ZACERT_API uint32_t ZACert_DestroyCertDecodeCtx(void *ctx);
 
-/* ---- Attributes --------------------------------------------------------------------------------
- */
+/* ---- Attributes ------------------------------------------------------------------------------ */
 
 /*
  * ZACert_SetCertAttributeInt: sets version (4), notBefore (29) or notAfter (30). 110: any other
@@ -80,8 +78,7 @@ ZACERT_API uint32_t ZACert_SetCertAttributeChar(void *ctx, int32_t type, const u
 ZACERT_API uint32_t ZACert_GetCertAttributeChar(void *ctx, int32_t type, uint8_t *out,
                                                 uint32_t *outLen);
 
-/* ---- Decoding ----------------------------------------------------------------------------------
- */
+/* ---- Decoding -------------------------------------------------------------------------------- */
 
 /*
  * ZACert_DecodeCert: fills a fresh context from one DER certificate. The length is taken from the
@@ -152,8 +149,7 @@ ZACERT_API uint32_t ZI_Cert_DecodeExtension_IssuerAltName(Anybuf *elements, void
  */
 ZACERT_API uint32_t ZI_Cert_DecodeExtension_Private(Anybuf *elements, void *extBlock);
 
-/* ---- Private extensions ------------------------------------------------------------------------
- */
+/* ---- Private extensions ---------------------------------------------------------------------- */
 
 /*
  * ZACert_SetCertAttributePrivate: appends an extension: OID content octets, criticality (the low
@@ -183,8 +179,7 @@ ZACERT_API uint32_t ZACert_GetCertAttributePrivate(void *ctx, uint32_t *index, u
                                                    uint32_t *oidLen, uint32_t *critical,
                                                    uint8_t *value, uint32_t *valueLen);
 
-/* ---- Thumbprints -------------------------------------------------------------------------------
- */
+/* ---- Thumbprints ----------------------------------------------------------------------------- */
 
 /*
  * EnCodeThums: a digest and its algorithm as DigestInfo (RFC 8017, 9.2): the algorithm's OID as

@@ -10,8 +10,9 @@
  *     ZA_RSAPublicKey key;
  *     uint8_t der[600];
  *     uint32_t len = 0;
- *     if (ZA_Decode_PublicKey(&key, in, inLen) == 0 && ZA_Encode_PublicKey(&key, NULL, &len) == 0
- * && len <= sizeof der) { ZA_Encode_PublicKey(&key, der, &len);
+ *     if (ZA_Decode_PublicKey(&key, in, inLen) == 0 &&
+ *         ZA_Encode_PublicKey(&key, NULL, &len) == 0 && len <= sizeof der) {
+ *         ZA_Encode_PublicKey(&key, der, &len);
  *     }
  */
 #ifndef ZACERT_KEYS_H
@@ -23,8 +24,7 @@
 extern "C" {
 #endif
 
-/* ---- RSA (RFC 8017, appendix A.1) --------------------------------------------------------------
- */
+/* ---- RSA (RFC 8017, appendix A.1) ------------------------------------------------------------ */
 
 /* ZA_RSAPublicKey: modulus and public exponent, up to 2048 bits. */
 typedef struct ZA_RSAPublicKey {
@@ -93,8 +93,7 @@ ZACERT_API uint32_t ZA_Decode_PrivateKey(ZA_RSAPrivateKey *key, const uint8_t *d
 ZACERT_API uint32_t ZI_PKCS1to8KEY(const uint8_t *pkcs1, uint32_t pkcs1Len, uint8_t *out,
                                    uint32_t *outLen);
 
-/* ---- Elliptic-curve signatures -----------------------------------------------------------------
- */
+/* ---- Elliptic-curve signatures --------------------------------------------------------------- */
 
 /* ZA_ECCSignStruct: the two halves of an ECDSA or SM2 signature on a 256-bit curve. */
 typedef struct ZA_ECCSignStruct {
@@ -118,8 +117,7 @@ ZACERT_API uint32_t ZA_Encode_ECCSignStructToDerData(const ZA_ECCSignStruct *sig
 ZACERT_API uint32_t ZA_Decode_DerDataToECCSignStruct(ZA_ECCSignStruct *sig, const uint8_t *der,
                                                      int32_t derLen);
 
-/* ---- Elliptic-curve keys -----------------------------------------------------------------------
- */
+/* ---- Elliptic-curve keys --------------------------------------------------------------------- */
 
 /*
  * ZACERT_EccCurve: domain parameters of a prime curve of 256 bits. In records filled by the library
@@ -197,8 +195,7 @@ ZACERT_API uint32_t ZACERT_DecodeEccPriKey_New(const uint8_t *der, int32_t derLe
 ZACERT_API uint32_t ZACERT_EcPrivateZqcspDerToCertDer(const uint8_t *der, uint32_t derLen,
                                                       uint8_t *out, uint32_t *outLen);
 
-/* ---- SubjectPublicKeyInfo ----------------------------------------------------------------------
- */
+/* ---- SubjectPublicKeyInfo -------------------------------------------------------------------- */
 
 /*
  * ZI_PubKey: a SubjectPublicKeyInfo (RFC 5280, 4.1.2.7) taken apart. `algorithm` holds the key

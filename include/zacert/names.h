@@ -20,7 +20,7 @@
 extern "C" {
 #endif
 
-/* ---- Character sets ---------------------------------------- */
+/* ---- Character sets -------------------------------------------------------------------------- */
 
 /*
  * ZI_CHARSET_*: the two results of the converters outside ZACERT_Result. They stop at the first
@@ -64,7 +64,7 @@ ZACERT_API uint32_t ZI_BmpString2UTF8(const uint8_t *in, int32_t inLen, uint8_t 
 ZACERT_API uint32_t ZI_UTF82BmpString(const uint8_t *in, int32_t inLen, uint8_t *out,
                                       uint32_t *outLen);
 
-/* ---- Object identifiers ---------------------------------------- */
+/* ---- Object identifiers ---------------------------------------------------------------------- */
 
 /*
  * ZACert_GetOIDValue: dotted text to DER content octets, at most 1024 (X.690, 8.19). Arcs are
@@ -75,7 +75,7 @@ ZACERT_API uint32_t ZI_UTF82BmpString(const uint8_t *in, int32_t inLen, uint8_t 
 ZACERT_API uint32_t ZACert_GetOIDValue(const char *text, uint32_t textLen, uint8_t *out,
                                        uint32_t *outLen);
 
-/* ---- Distinguished names ---------------------------------------- */
+/* ---- Distinguished names --------------------------------------------------------------------- */
 
 /*
  * ZI_NameEntry: one attribute of a distinguished name (X.501). `attrKind` is the library's number
@@ -139,7 +139,7 @@ ZACERT_API uint32_t ZI_EncodeCertIssuerSuject(ZI_Name *holder, const uint8_t *ta
  */
 ZACERT_API uint32_t ZI_GetDN(const ZI_NameEntry *first, char *out, uint32_t *outLen);
 
-/* ---- GeneralName ---------------------------------------- */
+/* ---- GeneralName ----------------------------------------------------------------------------- */
 
 /*
  * ZI_GeneralName: one slot per form of a GeneralName (RFC 5280, 4.2.1.6). `present[n]` is non-zero

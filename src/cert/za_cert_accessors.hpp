@@ -2,90 +2,18 @@
 #pragma once
 
 #include "cert/za_cert_context.hpp"
-#include "runtime/attribute_table.hpp"
+#include "cert/za_cert_part_accessors.hpp"
 
 namespace za::cert {
 
 using Row = AttributeRow<Certificate>;
 
-// The member of a member of a context.
-template <auto First, auto... Rest>
-auto &member(auto &object) {
-    if constexpr (sizeof...(Rest) == 0) {
-        return object.*First;
-    } else {
-        return member<Rest...>(object.*First);
-    }
-}
-
-// ---- Plain values
-
-template <auto... Path>
-Status set_field(Certificate &cert, const Row &, Bytes value) {
-    return member<Path...>(cert).assign(value);
-}
-
-template <auto... Path>
-Status get_field(Certificate &cert, const Row &, Bytes &out) {
-    out = member<Path...>(cert).bytes();
-    return Status::ok;
-}
-
 void set_version(Certificate &cert, int32_t value);
 Status get_version(const Certificate &cert, uint32_t &out);
-
-template <auto Which>
-void set_time(Certificate &cert, int32_t value) {
-    (cert.*Which).set(value);
-}
-
-template <auto Which>
-Status get_time(const Certificate &cert, uint32_t &out) {
-    int32_t seconds = 0;
-    ZA_PASS((cert.*Which).utc(seconds));
-    out = static_cast<uint32_t>(seconds);
-    return Status::ok;
-}
 
 // ---- Names
 
 Status set_issuer_der(Certificate &cert, const Row &, Bytes value);
-
-template <auto Which, uint32_t kStringType = 0>
-Status add_entry(Certificate &cert, const Row &row, Bytes value) {
-    return (cert.*Which).entries.append(row.kind, value, kStringType);
-}
-
-Bytes first_of_kind(const names::NameList &entries, uint32_t kind);
-
-template <auto Which>
-Status get_entry(Certificate &cert, const Row &row, Bytes &out) {
-    out = first_of_kind((cert.*Which).entries, row.kind);
-    return Status::ok;
-}
-
-// All organisational units, joined as in the text form of a name.
-Status join_units(Name &name, uint32_t kind, Bytes &out);
-
-template <auto Which>
-Status get_units(Certificate &cert, const Row &row, Bytes &out) {
-    return join_units(cert.*Which, row.kind, out);
-}
-
-// Made on the first request and kept.
-Status text_of_name(Name &name, Bytes &out);
-
-template <auto Which>
-Status get_text(Certificate &cert, const Row &, Bytes &out) {
-    return text_of_name(cert.*Which, out);
-}
-
-Status replace_string_types(Name &name, Bytes value);
-
-template <auto Which>
-Status set_string_types(Certificate &cert, const Row &, Bytes value) {
-    return replace_string_types(cert.*Which, value);
-}
 
 // ---- Keys
 

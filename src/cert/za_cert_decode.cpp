@@ -1,8 +1,6 @@
 #include "cert/za_cert_decode.hpp"
 
 #include "asn1/za_asn2_writer.hpp"
-#include "keys/za_ext_ecc_key.hpp"
-#include "keys/za_ext_public_key.hpp"
 #include "runtime/trace.hpp"
 
 namespace {
@@ -17,34 +15,7 @@ namespace {
 using asn1::Children;
 using asn1::Element;
 
-// AlgorithmIdentifier ::= SEQUENCE { algorithm OBJECT IDENTIFIER, parameters ANY OPTIONAL }
-Status decode_algorithm(Children fields, Field &out) {
-    Element algorithm;
-    Bytes oid;
-    ZA_PASS(take_field(fields, algorithm));
-    ZA_TRY(ZAsn1_ReadObjectId, asn1::read_object_id(algorithm, oid));
-    out.refer(oid);
-    return Status::ok;
-}
-
-Status decode_name(const Element &name, Name &out) {
-    out.der.refer(name.octets);
-    ZA_TRY(ZI_DecodeIssuerSubject, names::decode_issuer_subject(name, out.entries));
-    return Status::ok;
-}
-
-// Time ::= CHOICE { utcTime UTCTime, generalTime GeneralizedTime }
-Status decode_time(const Element &time, Time &out) {
-    asn1::TimeFields fields;
-    if (time.type == asn1::kGeneralizedTime &&
-        asn1::read_generalized_time(time, fields) == Status::ok) {
-        out.decoded(fields, false);
-        return Status::ok;
-    }
-    ZA_TRY(ZAsn1_ReadUtcTime, asn1::read_utc_time(time, fields));
-    out.decoded(fields, true);
-    return Status::ok;
-}
+constexpr Walk kWalk{trace, Status::certificate_not_end};
 
 // Validity ::= SEQUENCE { notBefore Time, notAfter Time }
 Status decode_validity(const Element &validity, Certificate &cert) {
@@ -52,39 +23,9 @@ Status decode_validity(const Element &validity, Certificate &cert) {
     Element time;
     ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(validity, times));
     ZA_PASS(take_field(times, time));
-    ZA_PASS(decode_time(time, cert.not_before));
+    ZA_PASS(decode_time(kWalk, time, cert.not_before));
     ZA_PASS(take_field(times, time));
-    return decode_time(time, cert.not_after);
-}
-
-// How long parameters say what they are. Thirty octets say nothing: that gap has always been there,
-// and certificates were read by it.
-uint32_t key_kind(const keys::PublicKeyInfo &key) {
-    const size_t length = key.parameters.size();
-    if (length >= 31) {
-        return kExplicitCurve;
-    }
-    if (length >= 6 && length <= 29) {
-        return kNamedCurve;
-    }
-    return key.kind;
-}
-
-Status decode_public_key(const Element &info, PublicKey &out) {
-    keys::PublicKeyInfo key;
-    ZA_TRY(ZI_DecodePubKey, keys::decode_public_key_info(info, key));
-    out.algorithm.refer(key.algorithm);
-    out.parameters.refer(key.parameters.empty() ? Bytes{} : key.parameters);
-    out.raw_bits.refer(key.raw_bits);
-    out.kind = key_kind(key);
-    if (!key.has_ecc) {
-        out.bits.refer(key.raw_bits);
-        return Status::ok;
-    }
-    Octets record;
-    ZA_TRY(ZACERT_EncodeEccPubKey, keys::encode_ecc_public_key(key.ecc, record));
-    out.bits.take(std::move(record));
-    return Status::ok;
+    return decode_time(kWalk, time, cert.not_after);
 }
 
 // version [0] EXPLICIT INTEGER DEFAULT v1, serialNumber INTEGER
@@ -115,7 +56,7 @@ Status decode_signature(Children fields, Certificate &cert) {
     Children algorithm;
     // The text names another function; readers of logs know it so.
     ZA_TRY(ZI_Cert_DecodeTBS, asn1::read_sequence(field, algorithm));
-    ZA_PASS(decode_algorithm(algorithm, cert.outer_algorithm));
+    ZA_PASS(decode_algorithm(kWalk, algorithm, cert.outer_algorithm));
     if (!fields.next(field)) {
         return Status::ok;
     }
@@ -128,10 +69,7 @@ Status decode_signature(Children fields, Certificate &cert) {
 }  // namespace
 
 Status take_field(Children &fields, Element &out) {
-    if (!fields.next(out)) {
-        return trace.fail(Status::certificate_not_end);
-    }
-    return Status::ok;
+    return take_field(kWalk, fields, out);
 }
 
 // Certificate ::= SEQUENCE { tbsCertificate, signatureAlgorithm, signatureValue }
@@ -145,7 +83,7 @@ Status decode_certificate(Certificate &cert, Bytes in) {
         return trace.fail(Status::length_not_equal);
     }
     Bytes whole;
-    ZA_PASS(cert.keep(in.first(header.total), whole));
+    ZA_PASS(cert.kept.keep(trace, in.first(header.total), whole));
     cert.whole.refer(whole);
 
     Children fields;
@@ -174,15 +112,15 @@ Status decode_tbs(Certificate &cert, const Element &tbs) {
     Children algorithm;
     ZA_PASS(take_field(fields, field));
     ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(field, algorithm));
-    ZA_PASS(decode_algorithm(algorithm, cert.inner_algorithm));
+    ZA_PASS(decode_algorithm(kWalk, algorithm, cert.inner_algorithm));
     ZA_PASS(take_field(fields, field));
-    ZA_PASS(decode_name(field, cert.issuer));
+    ZA_PASS(decode_name(kWalk, field, cert.issuer));
     ZA_PASS(take_field(fields, field));
     ZA_PASS(decode_validity(field, cert));
     ZA_PASS(take_field(fields, field));
-    ZA_PASS(decode_name(field, cert.subject));
+    ZA_PASS(decode_name(kWalk, field, cert.subject));
     ZA_PASS(take_field(fields, field));
-    ZA_PASS(decode_public_key(field, cert.key));
+    ZA_PASS(decode_public_key(kWalk, field, cert.key));
 
     // Unique identifiers are not known here: what follows the key is taken for the extensions.
     if (fields.next(field)) {
@@ -209,7 +147,7 @@ Status decode_kept(void *ctx, const Anybuf *element, const Decode &decode) {
     ZA_PASS(trace.need(ctx, element));
     auto &cert = *static_cast<Certificate *>(ctx);
     Bytes kept;
-    ZA_PASS(cert.keep(za::bytes_of(*element), kept));
+    ZA_PASS(cert.kept.keep(trace, za::bytes_of(*element), kept));
     return decode(cert, Element(kept));
 }
 

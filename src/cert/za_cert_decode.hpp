@@ -4,6 +4,7 @@
 
 #include "asn1/za_asn2_reader.hpp"
 #include "cert/za_cert_context.hpp"
+#include "cert/za_cert_part_decode.hpp"
 
 namespace za::cert {
 

@@ -1,12 +1,4 @@
-#include "cert/za_cert_context.hpp"
-
-#include "runtime/trace.hpp"
-
-namespace {
-
-constexpr za::TraceSource trace{".\\src\\za_cert"};
-
-}  // namespace
+#include "cert/za_cert_parts.hpp"
 
 namespace za::cert {
 
@@ -22,19 +14,27 @@ void Time::decoded(const asn1::TimeFields &fields, bool is_utc) {
     fields_ = fields;
 }
 
-Status Time::utc(int32_t &out) const {
-    if (is_utc_ && is_decoded_) {
+Status Time::seconds(int32_t &out) const {
+    if (is_decoded_) {
         return asn1::to_seconds(fields_, out);
     }
     out = seconds_;
     return Status::ok;
 }
 
-Status Certificate::keep(Bytes octets, Bytes &out) {
+Status Time::utc(int32_t &out) const {
+    if (!is_utc_) {
+        out = 0;
+        return Status::ok;
+    }
+    return seconds(out);
+}
+
+Status Kept::keep(const TraceSource &trace, Bytes octets, Bytes &out) {
     Octets copy;
     ZA_PASS(copy.assign(octets));
-    ZA_PASS(kept.append(trace, std::move(copy)));
-    out = kept.back().bytes();
+    ZA_PASS(blocks_.append(trace, std::move(copy)));
+    out = blocks_.back().bytes();
     return Status::ok;
 }
 

@@ -1,0 +1,78 @@
+// Whole structures written front to back into one block. An allocation that fails is remembered and
+// told by finish(): nothing in between has to ask.
+#pragma once
+
+#include "asn1/za_asn2_header.hpp"
+#include "runtime/bytes.hpp"
+#include "runtime/status.hpp"
+
+#include <type_traits>
+
+namespace za::asn1 {
+
+class Builder {
+  public:
+    // Makes room for so many octets in all, where the size is known ahead.
+    void reserve(size_t size);
+
+    // A whole element, or several, as they stand.
+    void raw(Bytes octets);
+
+    void element(uint8_t identifier, Bytes content);
+    void integer(uint32_t value);
+    void integer(Bytes magnitude);
+    void boolean(bool value);
+    void null();
+    void object_id(Bytes content) { element(ZA_DER_ID_OBJECTID, content); }
+    void octet_string(Bytes octets) { element(ZA_DER_ID_OCTETSTRING, octets); }
+    void bit_string(Bytes bits, uint32_t unused_bits = 0);
+
+    // Fails where the calendar cannot write the time.
+    Status utc_time(int32_t time);          // ZAsn1_WriteUtcTime
+    Status generalized_time(int32_t time);  // ZAsn1_WriteGeneralizedTime
+
+    // `content` writes what stands inside; a Status it returns is passed on. About `expected` octets
+    // of content spare moving them when the header turns out longer.
+    template <class Content>
+    auto wrapped(uint8_t identifier, const Content &content, size_t expected = 0) {
+        const Open open = begin(identifier, expected);
+        if constexpr (std::is_void_v<decltype(content())>) {
+            content();
+            end(open);
+        } else {
+            const Status status = content();
+            end(open);
+            return status;
+        }
+    }
+
+    template <class Content>
+    auto sequence(const Content &content, size_t expected = 0) {
+        return wrapped(ZA_DER_ID_SEQUENCE, content, expected);
+    }
+
+    size_t size() const { return size_; }
+
+    // What was written so far; it moves with the next octet.
+    Bytes bytes() const { return block_.bytes().first(size_); }
+
+    Status finish(Octets &out);
+
+  private:
+    struct Open {
+        size_t start;
+        uint32_t header;
+    };
+
+    Open begin(uint8_t identifier, size_t expected);
+    void end(const Open &open);
+
+    // A place for `size` more octets, or NULL.
+    uint8_t *grow(size_t size);
+
+    Octets block_;
+    size_t size_ = 0;
+    Status status_ = Status::ok;
+};
+
+}  // namespace za::asn1

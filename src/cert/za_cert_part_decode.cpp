@@ -1,0 +1,85 @@
+#include "cert/za_cert_part_decode.hpp"
+
+#include "keys/za_ext_ecc_key.hpp"
+#include "keys/za_ext_public_key.hpp"
+
+namespace za::cert {
+
+using asn1::Children;
+using asn1::Element;
+
+Status take_field(const Walk &walk, Children &fields, Element &out) {
+    if (!fields.next(out)) {
+        return walk.trace.fail(walk.missing);
+    }
+    return Status::ok;
+}
+
+// AlgorithmIdentifier ::= SEQUENCE { algorithm OBJECT IDENTIFIER, parameters ANY OPTIONAL }
+Status decode_algorithm(const Walk &walk, Children fields, Field &out) {
+    const TraceSource &trace = walk.trace;
+    Element algorithm;
+    Bytes oid;
+    ZA_PASS(take_field(walk, fields, algorithm));
+    ZA_TRY(ZAsn1_ReadObjectId, asn1::read_object_id(algorithm, oid));
+    out.refer(oid);
+    return Status::ok;
+}
+
+Status decode_name(const Walk &walk, const Element &name, Name &out) {
+    const TraceSource &trace = walk.trace;
+    out.der.refer(name.octets);
+    ZA_TRY(ZI_DecodeIssuerSubject, names::decode_issuer_subject(name, out.entries));
+    return Status::ok;
+}
+
+// Time ::= CHOICE { utcTime UTCTime, generalTime GeneralizedTime }
+Status decode_time(const Walk &walk, const Element &time, Time &out) {
+    const TraceSource &trace = walk.trace;
+    asn1::TimeFields fields;
+    if (time.type == asn1::kGeneralizedTime &&
+        asn1::read_generalized_time(time, fields) == Status::ok) {
+        out.decoded(fields, false);
+        return Status::ok;
+    }
+    ZA_TRY(ZAsn1_ReadUtcTime, asn1::read_utc_time(time, fields));
+    out.decoded(fields, true);
+    return Status::ok;
+}
+
+namespace {
+
+// How long parameters say what they are. Thirty octets say nothing: that gap has always been there,
+// and certificates were read by it.
+uint32_t key_kind(const keys::PublicKeyInfo &key) {
+    const size_t length = key.parameters.size();
+    if (length >= 31) {
+        return kExplicitCurve;
+    }
+    if (length >= 6 && length <= 29) {
+        return kNamedCurve;
+    }
+    return key.kind;
+}
+
+}  // namespace
+
+Status decode_public_key(const Walk &walk, const Element &info, PublicKey &out) {
+    const TraceSource &trace = walk.trace;
+    keys::PublicKeyInfo key;
+    ZA_TRY(ZI_DecodePubKey, keys::decode_public_key_info(info, key));
+    out.algorithm.refer(key.algorithm);
+    out.parameters.refer(key.parameters.empty() ? Bytes{} : key.parameters);
+    out.raw_bits.refer(key.raw_bits);
+    out.kind = key_kind(key);
+    if (!key.has_ecc) {
+        out.bits.refer(key.raw_bits);
+        return Status::ok;
+    }
+    Octets record;
+    ZA_TRY(ZACERT_EncodeEccPubKey, keys::encode_ecc_public_key(key.ecc, record));
+    out.bits.take(std::move(record));
+    return Status::ok;
+}
+
+}  // namespace za::cert
