@@ -116,11 +116,11 @@ uint8_t *put_pair(uint8_t *to, uint64_t bits) {
 
 uint8_t *encode_rest(Bytes rest, uint8_t *to) {
     if (rest.size() == 1) {
-        to = put_pair(to, rest[0] << 4);
+        to = put_pair(to, uint32_t{rest[0]} << 4);
         *to++ = kPad;
         *to++ = kPad;
     } else if (rest.size() == 2) {
-        to = put_pair(to, rest[0] << 4 | rest[1] >> 4);
+        to = put_pair(to, uint32_t{rest[0]} << 4 | rest[1] >> 4);
         *to++ = character((rest[1] & 15U) << 2);
         *to++ = kPad;
     }
@@ -139,8 +139,10 @@ uint8_t *base64_encode(Bytes octets, uint8_t *to) {
         to = put_pair(to, bits >> 16 & 0xFFF);
     }
     for (; octets.size() - at >= 3; at += 3) {
-        to = put_pair(to, octets[at] << 4 | octets[at + 1] >> 4);
-        to = put_pair(to, (octets[at + 1] & 15) << 8 | octets[at + 2]);
+        const uint32_t bits =
+            uint32_t{octets[at]} << 16 | uint32_t{octets[at + 1]} << 8 | octets[at + 2];
+        to = put_pair(to, bits >> 12);
+        to = put_pair(to, bits & 0xFFF);
     }
     return encode_rest(octets.subspan(at), to);
 }
