@@ -135,8 +135,7 @@ bool RsaKey::generate(unsigned bits) {
 
 bool RsaKey::load(const ZA_RSArefPublicKey *record) {
     const QuietErrors quiet;
-    key_ = record == nullptr ? nullptr
-                             : load_numbers(public_numbers(*record), EVP_PKEY_PUBLIC_KEY);
+    key_ = record == nullptr ? nullptr : load_numbers(public_numbers(*record), EVP_PKEY_PUBLIC_KEY);
     return key_ != nullptr;
 }
 
