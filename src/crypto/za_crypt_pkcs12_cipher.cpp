@@ -15,21 +15,6 @@ bool triple_des(const uint8_t *key, const CipherKey &given, Direction direction,
            cipher.run(in, out);
 }
 
-bool rc2(unsigned effective_bits, const CipherKey &key, Direction direction, Bytes in,
-         uint8_t *out) {
-    Wiped<arctwo_ctx> context;
-    arctwo_set_key_ekb(&context.value, key.size, key.octets.data(), effective_bits);
-    std::array<uint8_t, ARCTWO_BLOCK_SIZE> iv = key.iv;
-    // Called through its table, nettle takes a cipher of its own without a cast.
-    const nettle_cipher &table = nettle_arctwo128;
-    if (direction == Direction::encrypt) {
-        cbc_encrypt(&context.value, table.encrypt, iv.size(), iv.data(), in.size(), out, in.data());
-    } else {
-        cbc_decrypt(&context.value, table.decrypt, iv.size(), iv.data(), in.size(), out, in.data());
-    }
-    return true;
-}
-
 }  // namespace
 
 bool BlockCipher::set_key(const EVP_CIPHER *cipher, Direction direction, const uint8_t *key,
@@ -63,6 +48,21 @@ bool triple_des_of_two_keys(const CipherKey &key, Direction direction, Bytes in,
 
 bool triple_des_of_three_keys(const CipherKey &key, Direction direction, Bytes in, uint8_t *out) {
     return triple_des(key.octets.data(), key, direction, in, out);
+}
+
+bool rc2(unsigned effective_bits, const CipherKey &key, Direction direction, Bytes in,
+         uint8_t *out) {
+    Wiped<arctwo_ctx> context;
+    arctwo_set_key_ekb(&context.value, key.size, key.octets.data(), effective_bits);
+    std::array<uint8_t, ARCTWO_BLOCK_SIZE> iv = key.iv;
+    // Called through its table, nettle takes a cipher of its own without a cast.
+    const nettle_cipher &table = nettle_arctwo128;
+    if (direction == Direction::encrypt) {
+        cbc_encrypt(&context.value, table.encrypt, iv.size(), iv.data(), in.size(), out, in.data());
+    } else {
+        cbc_decrypt(&context.value, table.decrypt, iv.size(), iv.data(), in.size(), out, in.data());
+    }
+    return true;
 }
 
 bool rc2_of_40_bits(const CipherKey &key, Direction direction, Bytes in, uint8_t *out) {

@@ -26,6 +26,8 @@ using Cipher = bool (*)(const CipherKey &key, Direction direction, Bytes in, uin
 bool rc4(const CipherKey &key, Direction direction, Bytes in, uint8_t *out);
 bool triple_des_of_two_keys(const CipherKey &key, Direction direction, Bytes in, uint8_t *out);
 bool triple_des_of_three_keys(const CipherKey &key, Direction direction, Bytes in, uint8_t *out);
+bool rc2(unsigned effective_bits, const CipherKey &key, Direction direction, Bytes in,
+         uint8_t *out);
 bool rc2_of_40_bits(const CipherKey &key, Direction direction, Bytes in, uint8_t *out);
 bool rc2_of_128_bits(const CipherKey &key, Direction direction, Bytes in, uint8_t *out);
 
