@@ -25,9 +25,10 @@ struct TokenKey {
     bool rsa = false;
     size_t most = 0;        // octets of the longest signature
     size_t coordinate = 0;  // octets of r and of s
+    std::vector<CK_MECHANISM_TYPE> mechanisms;
 };
 
-// Kind and sizes. 118: neither RSA nor a curve that libcrypto knows.
+// Kind, sizes and the token's mechanisms. 118: neither RSA nor a curve that libcrypto knows.
 uint32_t describe(const Session &session, CK_OBJECT_HANDLE object, TokenKey &out);
 
 // How a key signs what it is given with a digest selector.
@@ -38,7 +39,7 @@ struct Method {
 };
 
 // 118: unknown selector, or the token has no mechanism for it.
-uint32_t choose_method(const Session &session, const TokenKey &key, int32_t digest, Method &out);
+uint32_t choose_method(const TokenKey &key, int32_t digest, Method &out);
 
 // What the token is given to sign. 101: longer than the key takes; 125.
 uint32_t prepare(const TokenKey &key, const Method &method, Bytes in, std::vector<uint8_t> &out);

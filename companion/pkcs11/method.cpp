@@ -33,10 +33,8 @@ constexpr DigestRow kDigests[] = {
 };
 constexpr int32_t kNoDigest = 0;
 
-bool can_sign(const Session &session, CK_MECHANISM_TYPE mechanism) {
-    CK_MECHANISM_INFO info{};
-    return session.p11().C_GetMechanismInfo(session.slot(), mechanism, &info) == CKR_OK &&
-           (info.flags & CKF_SIGN) != 0;
+bool can_sign(const TokenKey &key, CK_MECHANISM_TYPE mechanism) {
+    return std::ranges::count(key.mechanisms, mechanism) > 0;
 }
 
 uint32_t make_digest(const EVP_MD *md, Bytes in, std::vector<uint8_t> &out) {
@@ -56,19 +54,19 @@ size_t most_input(const TokenKey &key) {
 
 }  // namespace
 
-uint32_t choose_method(const Session &session, const TokenKey &key, int32_t digest, Method &out) {
+uint32_t choose_method(const TokenKey &key, int32_t digest, Method &out) {
     const CK_MECHANISM_TYPE plain = key.rsa ? CKM_RSA_PKCS : CKM_ECDSA;
     const auto *const row = std::ranges::find(kDigests, digest, &DigestRow::selector);
     const bool known = row != std::end(kDigests);
     if (!known && digest != kNoDigest) {
         return ZACERT_InvalidSignatureAlgErr;
     }
-    if (can_sign(session, plain)) {
+    if (can_sign(key, plain)) {
         out = known ? Method{row->md(), key.rsa ? row->info : Bytes(), plain}
                     : Method{nullptr, {}, plain};
         return 0;
     }
-    if (!known || !can_sign(session, key.rsa ? row->rsa : row->ecdsa)) {
+    if (!known || !can_sign(key, key.rsa ? row->rsa : row->ecdsa)) {
         return ZACERT_InvalidSignatureAlgErr;
     }
     out = {nullptr, {}, key.rsa ? row->rsa : row->ecdsa};

@@ -126,6 +126,19 @@ CK_RV Session::log_in(CK_USER_TYPE user, std::optional<Secret> &pin) const {
     return p11().C_Login(handle_, user, pin ? pin->data() : nullptr, pin ? pin->size() : 0);
 }
 
+uint32_t Session::list_mechanisms(std::vector<CK_MECHANISM_TYPE> &out) const {
+    CK_ULONG count = 0;
+    if (!accepted(p11().C_GetMechanismList(slot_, nullptr, &count))) {
+        return ZACERT_CryptErr;
+    }
+    out.resize(count);
+    if (!accepted(p11().C_GetMechanismList(slot_, out.data(), &count))) {
+        return ZACERT_CryptErr;
+    }
+    out.resize(std::min<size_t>(count, out.size()));
+    return 0;
+}
+
 uint32_t Session::find(std::vector<CK_ATTRIBUTE> attributes,
                        std::vector<CK_OBJECT_HANDLE> &out) const {
     out.resize(2);

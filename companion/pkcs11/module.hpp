@@ -46,6 +46,8 @@ class Session {
     // No PIN is for the token's own key pad.
     CK_RV log_in(CK_USER_TYPE user, std::optional<Secret> &pin) const;
 
+    uint32_t list_mechanisms(std::vector<CK_MECHANISM_TYPE> &out) const;
+
     // The objects, at most two, with these attributes; enough to tell one from several.
     uint32_t find(std::vector<CK_ATTRIBUTE> attributes, std::vector<CK_OBJECT_HANDLE> &out) const;
 

@@ -82,7 +82,7 @@ uint32_t open_key(const Uri &uri, int32_t digest, zacert_pkcs11_session &out) {
         out.pin.reset();
     }
     Method method;
-    return choose_method(out.token, out.key, digest, method);
+    return choose_method(out.key, digest, method);
 }
 
 // The token's signature of what was prepared: RSA as it stands, two halves otherwise.
@@ -109,7 +109,7 @@ uint32_t token_sign(zacert_pkcs11_session &session, CK_MECHANISM_TYPE type,
 uint32_t sign(zacert_pkcs11_session &session, int32_t digest, Bytes in, std::vector<uint8_t> &out) {
     const std::lock_guard lock(session.turn);
     Method method;
-    if (const uint32_t code = choose_method(session.token, session.key, digest, method)) {
+    if (const uint32_t code = choose_method(session.key, digest, method)) {
         return code;
     }
     std::vector<uint8_t> prepared;

@@ -128,15 +128,18 @@ uint32_t describe(const Session &session, CK_OBJECT_HANDLE object, TokenKey &out
     std::vector<uint8_t> value;
     if (type == CKK_RSA && session.read(object, CKA_MODULUS, value)) {
         const Number modulus = number_of(value);
-        out = {object, true, modulus ? static_cast<size_t>(BN_num_bytes(modulus.get())) : 0, 0};
+        out.rsa = true;
+        out.most = modulus ? static_cast<size_t>(BN_num_bytes(modulus.get())) : 0;
     }
     if (type == CKK_EC && session.read(object, CKA_EC_PARAMS, value)) {
         const PublicKey curve = curve_of(value);
         const int bits = curve ? EVP_PKEY_get_bits(curve.get()) : 0;
-        out = {object, false, static_cast<size_t>(curve ? EVP_PKEY_get_size(curve.get()) : 0),
-               (static_cast<size_t>(std::max(bits, 0)) + 7) / 8};
+        out.most = static_cast<size_t>(curve ? EVP_PKEY_get_size(curve.get()) : 0);
+        out.coordinate = (static_cast<size_t>(std::max(bits, 0)) + 7) / 8;
     }
-    return out.most > 0 ? 0 : uint32_t{ZACERT_InvalidSignatureAlgErr};
+    out.object = object;
+    return out.most > 0 ? session.list_mechanisms(out.mechanisms)
+                        : uint32_t{ZACERT_InvalidSignatureAlgErr};
 }
 
 uint32_t read_public_key(const Session &session, const TokenKey &key, std::vector<uint8_t> &out) {
