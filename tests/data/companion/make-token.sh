@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes a SoftHSM token in FOLDER, whose configuration is FOLDER/conf. Its keys:
+# Makes a SoftHSM token in FOLDER: its configuration is FOLDER/conf, its PIN FOLDER/pin, FOLDER/module is MODULE. Its keys:
 #   01 "rsa", A2 "ec" (P-384), 03 "ec" (P-256)  those of tests/data/keys
 #   09 "asks"                                   P-256, asks for the PIN at each signature
 #   0A "alone", 0B "certified"                  P-256 without a public key; 0B has a certificate (of another key)
@@ -12,6 +12,7 @@ export SOFTHSM2_CONF=$folder/conf
 mkdir "$folder/tokens"
 echo "directories.tokendir = $folder/tokens" >"$SOFTHSM2_CONF"
 echo 1234 >"$folder/pin"
+ln -s "$2" "$folder/module"
 softhsm2-util --init-token --free --label 'a token' --pin 1234 --so-pin 5678
 
 import() {
@@ -25,9 +26,8 @@ import p256 alone 0A
 import p256 certified 0B
 
 tool() {
-    pkcs11-tool --module "$module" --token-label 'a token' --login --pin 1234 "$@"
+    pkcs11-tool --module "$folder/module" --token-label 'a token' --login --pin 1234 "$@"
 }
-module=$2
 tool --keypairgen --key-type EC:prime256v1 --label asks --id 09 --always-auth
 tool --delete-object --type pubkey --id 0A
 tool --delete-object --type pubkey --id 0B
