@@ -83,7 +83,15 @@ uint32_t prepare(const TokenKey &key, const Method &method, Bytes in, std::vecto
         }
     }
     const bool plain = method.mechanism == CKM_RSA_PKCS || method.mechanism == CKM_ECDSA;
-    return plain && out.size() > most_input(key) ? uint32_t{ZACERT_LengthErr} : 0;
+    if (plain && out.size() > most_input(key)) {
+        return ZACERT_LengthErr;
+    }
+    // ECDSA takes the leading bits of a digest longer than the order (FIPS 186-4, 6.4), but not
+    // every token cuts it.
+    if (plain && !key.rsa && out.size() > key.coordinate) {
+        out.resize(key.coordinate);
+    }
+    return 0;
 }
 
 uint32_t to_der(Bytes halves, std::vector<uint8_t> &out) {

@@ -67,7 +67,8 @@ typedef struct zacert_pkcs11_key {
  * library-version, slot-manufacturer, slot-description, slot-id, object, id, and type, which must
  * be "private"; module-path, pin-value, pin-source ("file:" or an absolute path). Other attributes
  * of the path give 110, as does module-name; others of the query are passed over. Without
- * module-path the system's modules are asked through p11-kit-proxy.so.
+ * module-path the system's modules are asked through p11-kit-proxy.so. The module becomes part of
+ * the process: open no URI of a stranger.
  */
 ZACERT_API uint32_t zacert_pkcs11_open(const char *uri, const uint8_t *pin, uint32_t pinLen,
                                        int32_t digest, zacert_pkcs11_key *out);
