@@ -30,6 +30,8 @@
 #include <zacert/cert_attributes.h>
 #include <zacert/csr.h>
 #include <zacert/csr_attributes.h>
+#include <zacert/fast_parse.h>
+#include <zacert/identity.h>
 #include <zacert/keys.h>
 #include <zacert/names.h>
 #include <zacert/runtime.h>
