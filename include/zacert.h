@@ -31,5 +31,6 @@
 #include <zacert/keys.h>
 #include <zacert/names.h>
 #include <zacert/runtime.h>
+#include <zacert/text.h>
 
 #endif
