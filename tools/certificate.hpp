@@ -177,12 +177,12 @@ struct IdentityNumbers {
     std::vector<IdentityNumber> numbers;
 };
 
-using ExtensionValue = std::variant<Opaque, BasicConstraints, KeyUsage, Purposes, KeyIdentifier,
-                                    AuthorityKeyIdentifier, AlternativeNames, DistributionPoints,
-                                    AccessDescriptions, Policies, PolicyMappings, PolicyConstraints,
-                                    InhibitAnyPolicy, NameConstraints, CrlNumber,
-                                    IssuingDistributionPoint, Reason, Instant, Identifier,
-                                    IdentityNumbers, Text>;
+using ExtensionValue =
+    std::variant<Opaque, BasicConstraints, KeyUsage, Purposes, KeyIdentifier,
+                 AuthorityKeyIdentifier, AlternativeNames, DistributionPoints, AccessDescriptions,
+                 Policies, PolicyMappings, PolicyConstraints, InhibitAnyPolicy, NameConstraints,
+                 CrlNumber, IssuingDistributionPoint, Reason, Instant, Identifier, IdentityNumbers,
+                 Text>;
 
 struct Extension {
     NamedId id;

@@ -35,10 +35,9 @@ ExtensionValue read_identity_numbers(View octets) {
             throw LibraryError(ZACERT_TagErr);
         }
         const Paper &paper = kPapers[number];
-        value.numbers.push_back(
-            {std::string(paper.title),
-             std::string(paper.member),
-             {text_of(element.content), std::string(paper.string_type), true}});
+        value.numbers.push_back({std::string(paper.title),
+                                 std::string(paper.member),
+                                 {text_of(element.content), std::string(paper.string_type), true}});
     }
     return value;
 }

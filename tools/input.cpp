@@ -146,11 +146,8 @@ std::vector<Candidate> objects_in(Octets file) {
         }
     }
     if (file.front() != ZA_DER_ID_SEQUENCE) {
-        throw Failure("expected " + std::string(noun(ObjectKind::unknown)) + " in DER or PEM: " +
-                      LibraryError(ZACERT_TagErr).what());
-    }
-    if (der.problem.empty() && der.kind == ObjectKind::unknown) {
-        der.problem = expected(der.kind, LibraryError(ZACERT_GeneralErr).what());
+        throw Failure("expected " + std::string(noun(ObjectKind::unknown)) +
+                      " in DER or PEM: " + LibraryError(ZACERT_TagErr).what());
     }
     der.der = std::move(file);
     std::vector<Candidate> candidates;

@@ -16,7 +16,7 @@ Octets read_file(const std::string &path);
 struct Candidate {
     ObjectKind kind = ObjectKind::unknown;
     Octets der;
-    std::string problem;  // empty when `der` holds exactly one element of a known kind
+    std::string problem;  // empty when `der` holds exactly one element
 };
 
 // A DER file is one object, a PEM file as many as it has blocks of kinds the tool shows. Throws

@@ -54,8 +54,8 @@ PemBlock take_block(std::string_view label, std::string_view &text) {
         }
         text = rest;
         if (const auto end = label_of(line, "END")) {
-            std::optional<Octets> octets = base64_octets(
-                body.substr(0, static_cast<size_t>(line.data() - body.data())));
+            std::optional<Octets> octets =
+                base64_octets(body.substr(0, static_cast<size_t>(line.data() - body.data())));
             if (*end != label) {
                 block.problem = "the last line of the PEM block has another label";
             } else if (!octets) {

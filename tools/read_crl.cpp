@@ -12,8 +12,7 @@ namespace tool {
 
 namespace {
 
-using CrlContext =
-    Decoded<ZACert_CreateCrlDecodeCtx, ZACert_DecodeCrl, ZACert_DestroyCrlDecodeCtx>;
+using CrlContext = Decoded<ZACert_CreateCrlDecodeCtx, ZACert_DecodeCrl, ZACert_DestroyCrlDecodeCtx>;
 
 NamedId algorithm_of(const CrlContext &context) {
     const Octets oid = fetched([&](uint8_t *out, uint32_t *length) {
@@ -66,9 +65,8 @@ RevokedEntry RevokedEntries::next() {
         entry.extensions = read_extensions(list->whole);
     }
     const auto reason =
-        std::find_if(entry.extensions.begin(), entry.extensions.end(), [](const Extension &e) {
-            return std::holds_alternative<Reason>(e.value);
-        });
+        std::find_if(entry.extensions.begin(), entry.extensions.end(),
+                     [](const Extension &e) { return std::holds_alternative<Reason>(e.value); });
     if (reason != entry.extensions.end()) {
         entry.reason = std::get<Reason>(reason->value).name;
         if (!reason->critical) {

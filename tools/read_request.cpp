@@ -49,7 +49,7 @@ constexpr auto kKinds = std::to_array<AttributeKind>({
 Text read_value(const Element &element) {
     if (element.identifier == ZA_DER_ID_OCTETSTRING) {
         std::string text = text_of(element.content);
-        if (is_utf8(text) && printable(text, {}).size() == text.size()) {
+        if (is_plain(text)) {
             return {std::move(text), "OCTET STRING", true};
         }
     }
@@ -113,7 +113,8 @@ void read_info(View der, Request &out) {
     //     attributes [0] }
     Elements request(only_element(der, ZA_DER_ID_SEQUENCE).content);
     Elements fields(request.required(ZA_DER_ID_SEQUENCE).content);
-    out.version = number(fields.required(ZA_DER_ID_INTEGER).content) + 1;
+    const uint64_t version = number(fields.required(ZA_DER_ID_INTEGER).content);
+    out.version = std::min<uint64_t>(version, UINT32_MAX) + 1;
     out.subject = read_name(record_of(fields.required(ZA_DER_ID_SEQUENCE).whole));
     fields.required(ZA_DER_ID_SEQUENCE);
     if (const auto attributes = fields.optional(constructed(0))) {

@@ -67,8 +67,8 @@ std::chrono::sys_seconds read_time(const Element &element) {
     if (!date.ok() || hours > 23 || minutes > 59 || seconds > 59) {
         throw LibraryError(ZACERT_InvalidTimeEndErr);
     }
-    return std::chrono::sys_days(date) + std::chrono::hours(hours) +
-           std::chrono::minutes(minutes) + std::chrono::seconds(seconds);
+    return std::chrono::sys_days(date) + std::chrono::hours(hours) + std::chrono::minutes(minutes) +
+           std::chrono::seconds(seconds);
 }
 
 }  // namespace tool
