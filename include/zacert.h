@@ -35,8 +35,6 @@
 #include <zacert/csr_attributes.h>
 #include <zacert/fast_parse.h>
 #include <zacert/identity.h>
-#include <zacert/crl.h>
-#include <zacert/crl_attributes.h>
 #include <zacert/keys.h>
 #include <zacert/names.h>
 #include <zacert/runtime.h>
