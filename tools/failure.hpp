@@ -17,6 +17,12 @@ class Failure : public std::runtime_error {
     using runtime_error::runtime_error;
 };
 
+// Arguments that make no sense together with what they name.
+class UsageError : public Failure {
+  public:
+    using Failure::Failure;
+};
+
 // A function of the library failed; what() is the meaning with the code.
 class LibraryError : public std::runtime_error {
   public:

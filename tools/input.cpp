@@ -28,8 +28,8 @@ std::string expected(ObjectKind kind, std::string_view problem) {
     return "expected " + std::string(noun(kind)) + ": " + std::string(problem);
 }
 
-Failure system_failure() {
-    return Failure(expected(ObjectKind::unknown, std::strerror(errno)));
+Failure system_failure(std::string_view wanted) {
+    return Failure("expected " + std::string(wanted) + ": " + std::strerror(errno));
 }
 
 // The size of a regular file, so that large ones are read into one block; 0 for what has no size.
@@ -39,7 +39,7 @@ size_t size_of(FILE *file) {
     return regular ? std::min(static_cast<size_t>(status.st_size), kMaxFile) : 0;
 }
 
-Octets read_all(FILE *file) {
+Octets read_all(FILE *file, std::string_view wanted) {
     Octets octets;
     octets.reserve(size_of(file));
     std::array<uint8_t, 65536> buffer{};
@@ -50,7 +50,7 @@ Octets read_all(FILE *file) {
         }
     }
     if (std::ferror(file) != 0) {
-        throw system_failure();
+        throw system_failure(wanted);
     }
     return octets;
 }
@@ -119,15 +119,15 @@ std::vector<Candidate> objects_in_pem(std::vector<PemBlock> blocks) {
 
 }  // namespace
 
-Octets read_file(const std::string &path) {
+Octets read_file(const std::string &path, std::string_view wanted) {
     if (path == "-") {
-        return read_all(stdin);
+        return read_all(stdin, wanted);
     }
     const std::unique_ptr<FILE, Close> file(std::fopen(path.c_str(), "rbe"));
     if (file == nullptr) {
-        throw system_failure();
+        throw system_failure(wanted);
     }
-    return read_all(file.get());
+    return read_all(file.get(), wanted);
 }
 
 std::vector<Candidate> objects_in(Octets file) {

@@ -5,12 +5,13 @@
 #include "octets.hpp"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tool {
 
-// The whole file, or standard input for "-". Throws Failure.
-Octets read_file(const std::string &path);
+// The whole file, or standard input for "-". `wanted` says in the Failure what was to be found.
+Octets read_file(const std::string &path, std::string_view wanted = noun(ObjectKind::unknown));
 
 // One object to be decoded, or why there is none.
 struct Candidate {

@@ -1,4 +1,7 @@
+#include "commands.hpp"
+#include "failure.hpp"
 #include "show.hpp"
+#include "utf8.hpp"
 
 #include <CLI/CLI.hpp>
 #include <cstdlib>
@@ -25,7 +28,7 @@ void use_utc() {
 int run(int argc, char **argv) {
     const std::map<std::string, tool::Format> formats = {
         {"text", tool::Format::text}, {"json", tool::Format::json}, {"table", tool::Format::table}};
-    CLI::App app{"Looks into certificates and what belongs to them."};
+    CLI::App app{"Makes, shows and verifies keys, certificates, requests and revocation lists."};
     app.name("zacert");
     app.set_version_flag("--version", "zacert " ZACERT_VERSION);
     app.require_subcommand(1);
@@ -40,12 +43,18 @@ int run(int argc, char **argv) {
         ->capture_default_str();
     show->add_option("FILE", files, "DER, or PEM with any number of blocks; - is standard input")
         ->required();
+    tool::Command chosen = [&] { return tool::show(files, formats.at(format)); };
+    tool::add_key_command(app, chosen);
+    tool::add_request_command(app, chosen);
+    tool::add_certificate_command(app, chosen);
+    tool::add_crl_command(app, chosen);
+    tool::add_verify_command(app, chosen);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
         return app.exit(error) == 0 ? EXIT_SUCCESS : kUsageError;
     }
-    return tool::show(files, formats.at(format)) ? EXIT_SUCCESS : EXIT_FAILURE;
+    return chosen() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 }  // namespace
@@ -55,7 +64,8 @@ int main(int argc, char **argv) {
     try {
         return run(argc, argv);
     } catch (const std::exception &error) {
-        std::cerr << "zacert: " << error.what() << '\n';
-        return EXIT_FAILURE;
+        std::cerr << "zacert: " << tool::printable(error.what()) << '\n';
+        return dynamic_cast<const tool::UsageError *>(&error) != nullptr ? kUsageError
+                                                                         : EXIT_FAILURE;
     }
 }

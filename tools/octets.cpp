@@ -16,6 +16,17 @@ void negate(Octets &octets) {
     }
 }
 
+std::optional<uint8_t> digit_of(char c) {
+    if (c >= '0' && c <= '9') {
+        return static_cast<uint8_t>(c - '0');
+    }
+    const char lower = static_cast<char>(c | 0x20);
+    if (lower >= 'a' && lower <= 'f') {
+        return static_cast<uint8_t>(lower - 'a' + 10);
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 std::string hex(View octets, std::string_view separator) {
@@ -29,6 +40,22 @@ std::string hex(View octets, std::string_view separator) {
         text += kDigits[octet & 0x0F];
     }
     return text;
+}
+
+std::optional<Octets> octets_of_hex(std::string_view text) {
+    if (text.empty() || text.size() % 2 != 0) {
+        return std::nullopt;
+    }
+    Octets octets;
+    for (size_t i = 0; i < text.size(); i += 2) {
+        const std::optional<uint8_t> high = digit_of(text[i]);
+        const std::optional<uint8_t> low = digit_of(text[i + 1]);
+        if (!high || !low) {
+            return std::nullopt;
+        }
+        octets.push_back(static_cast<uint8_t>(*high << 4 | *low));
+    }
+    return octets;
 }
 
 Integer::Integer(View content)

@@ -20,6 +20,9 @@ inline std::string text_of(View octets) {
 // Lower case; `separator` stands between octets.
 std::string hex(View octets, std::string_view separator = {});
 
+// Whole octets of digits in either case; nothing for anything else, and for no digits.
+std::optional<Octets> octets_of_hex(std::string_view text);
+
 // An INTEGER's value as sign and magnitude, whatever its size.
 struct Integer {
     bool negative = false;

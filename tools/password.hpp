@@ -1,0 +1,29 @@
+// Passwords of key files and PINs of tokens. They never stand in the arguments, which other users of
+// the machine can see.
+#pragma once
+
+#include "secret.hpp"
+
+#include <CLI/CLI.hpp>
+#include <optional>
+#include <string>
+
+namespace tool {
+
+struct PasswordSource {
+    std::string file;
+    std::string variable;
+
+    bool given() const { return !file.empty() || !variable.empty(); }
+};
+
+void add_password_options(CLI::App &command, PasswordSource &source);
+
+// From the file's first line or the variable; nothing where neither is named.
+std::optional<Secret> given_password(const PasswordSource &source);
+
+// Asked for at the terminal, a new one twice.
+enum class Ask { once, twice };
+Secret asked_password(const std::string &prompt, Ask ask);
+
+}  // namespace tool
