@@ -5,6 +5,7 @@
 #include "der.hpp"
 #include "der_writer.hpp"
 #include "failure.hpp"
+#include "options.hpp"
 
 #include <algorithm>
 #include <arpa/inet.h>
@@ -15,7 +16,8 @@ namespace tool {
 namespace {
 
 Octets ascii(const std::string &text, const std::string &what) {
-    const bool plain = std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c <= '~'; });
+    const bool plain =
+        std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c <= '~'; });
     if (text.empty() || !plain) {
         throw Failure("expected ASCII text without blanks as " + what + ", found " + text);
     }
@@ -37,7 +39,7 @@ Octets address(const std::string &text) {
 
 void add_name_options(CLI::App &command, NameOptions &options) {
     const auto add = [&](const char *name, std::vector<std::string> &values, const char *text) {
-        command.add_option(name, values, text)->expected(1)->take_all()->group("Alternative names");
+        add_repeatable(command, name, values, text)->group("Alternative names");
     };
     add("--dns", options.dns, "host name; repeatable, as the next three are");
     add("--email", options.email, "e-mail address");

@@ -8,6 +8,7 @@
 #include "failure.hpp"
 #include "identity_numbers.hpp"
 #include "issuer.hpp"
+#include "options.hpp"
 #include "profile.hpp"
 #include "request_extensions.hpp"
 #include "serial_number.hpp"
@@ -64,7 +65,8 @@ Validity wanted_validity(const Options &options) {
 void cap(std::chrono::sys_seconds limit, const std::string &reason, Validity &validity) {
     if (validity.end > limit) {
         validity.end = limit;
-        std::cerr << "zacert: notAfter is capped at " << shown_time(limit) << ", " << reason << '\n';
+        std::cerr << "zacert: notAfter is capped at " << shown_time(limit) << ", " << reason
+                  << '\n';
     }
 }
 
@@ -230,32 +232,30 @@ void add_subject_options(CLI::App &command, Options &options) {
 }
 
 void add_validity_options(CLI::App &command, Options &options) {
-    CLI::Option *days = command.add_option("--days", options.days, "365 unless given; of a CA 3650")
-                            ->check(CLI::Range(1, 100000));
+    CLI::Option *days =
+        command.add_option("--days", options.days, "365 unless given; of a CA 3650")
+            ->check(CLI::Range(1, 100000));
     command.add_option("--not-before", options.not_before,
                        "2030-01-31 or 2030-01-31T23:59:59Z; now unless given");
     command.add_option("--not-after", options.not_after, "in place of --days")->excludes(days);
-    command.add_option("--serial", options.serial,
-                       "hexadecimal; 16 random octets unless given");
+    command.add_option("--serial", options.serial, "hexadecimal; 16 random octets unless given");
 }
 
 void add_content_options(CLI::App &command, Options &options) {
-    const auto add_list = [&](const char *name, std::vector<std::string> &values,
-                              const std::string &text) {
-        command.add_option(name, values, text)->expected(1)->take_all();
-    };
     command.add_option("--profile", options.profile, "ca, server, client, email or ocsp")
         ->required()
         ->check(CLI::IsMember(profile_names()));
-    command.add_option("--path-length", options.path_length, "how many CAs may stand below this one")
+    command
+        .add_option("--path-length", options.path_length, "how many CAs may stand below this one")
         ->check(CLI::Range(0, 127));
     add_name_options(command, options.names);
-    add_list("--crl-url", options.crl_urls, "where its CRL is; repeatable");
-    add_list("--ocsp-url", options.ocsp_urls, "where OCSP answers; repeatable");
-    add_list("--issuer-url", options.issuer_urls, "where the CA's certificate is; repeatable");
+    add_repeatable(command, "--crl-url", options.crl_urls, "where its CRL is; repeatable");
+    add_repeatable(command, "--ocsp-url", options.ocsp_urls, "where OCSP answers; repeatable");
+    add_repeatable(command, "--issuer-url", options.issuer_urls,
+                   "where the CA's certificate is; repeatable");
     command.add_option("--policy", options.policy, "object identifier of a certificate policy");
-    add_list("--identity", options.identities,
-             "KIND=NUMBER, an identity number; repeatable; kinds: " + identity_kinds());
+    add_repeatable(command, "--identity", options.identities,
+                   "KIND=NUMBER, an identity number; repeatable; kinds: " + identity_kinds());
 }
 
 void require_consistent(const Options &options) {
@@ -272,10 +272,10 @@ void require_consistent(const Options &options) {
 void add_certificate_command(CLI::App &app, Command &chosen) {
     CLI::App *group = app.add_subcommand("cert", "Issue certificates.");
     group->require_subcommand(1);
-    CLI::App *command = group->add_subcommand(
-        "issue",
-        "Issue a certificate from a request, whose alternative names it takes over unless names are "
-        "given here, or a self-signed one.");
+    CLI::App *command = group->add_subcommand("issue",
+                                              "Issue a certificate from a request, whose "
+                                              "alternative names it takes over unless names are "
+                                              "given here, or a self-signed one.");
     const auto options = std::make_shared<Options>();
     add_subject_options(*command, *options);
     add_key_options(*command, "--ca-key,--key", options->key);

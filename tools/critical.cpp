@@ -28,8 +28,8 @@ constexpr auto kUnderstood = std::to_array<std::string_view>({
 });
 
 bool is_understood(const Extension &extension) {
-    return extension.decoded() && std::find(kUnderstood.begin(), kUnderstood.end(),
-                                            extension.id.oid) != kUnderstood.end();
+    return extension.decoded() &&
+           std::find(kUnderstood.begin(), kUnderstood.end(), extension.id.oid) != kUnderstood.end();
 }
 
 }  // namespace
@@ -38,10 +38,11 @@ void check_critical_extensions(const std::vector<Extension> &extensions, Report 
     bool good = true;
     for (const Extension &extension : extensions) {
         if (!extension.problem.empty()) {
-            good = report.check(false, "extension " + label(extension.id) + ": " + extension.problem);
+            good =
+                report.check(false, "extension " + label(extension.id) + ": " + extension.problem);
         } else if (extension.critical && !is_understood(extension)) {
-            good = report.check(false, "extension " + label(extension.id) +
-                                           ": critical, and not evaluated here");
+            good = report.check(
+                false, "extension " + label(extension.id) + ": critical, and not evaluated here");
         } else if (extension.id.oid == "2.5.29.30") {
             report.note("name constraints: not critical, and not evaluated here");
         }

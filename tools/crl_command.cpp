@@ -6,6 +6,7 @@
 #include "der.hpp"
 #include "failure.hpp"
 #include "issuer.hpp"
+#include "options.hpp"
 #include "signature_check.hpp"
 #include "wording.hpp"
 #include "write_file.hpp"
@@ -126,8 +127,9 @@ void add_certificates(const Options &options, const LoadedCertificate &ca,
 void add_previous(const Crl &crl, CrlEntries &entries) {
     const size_t dropped = entries.add_all(crl);
     if (dropped > 0) {
-        std::cerr << "zacert: " << dropped
-                  << " extensions of the previous CRL's entries besides reasons are not taken over\n";
+        std::cerr
+            << "zacert: " << dropped
+            << " extensions of the previous CRL's entries besides reasons are not taken over\n";
     }
 }
 
@@ -202,19 +204,19 @@ void add_crl_command(CLI::App &app, Command &chosen) {
     group->require_subcommand(1);
     CLI::App *command = group->add_subcommand("make", "Make a certificate revocation list.");
     const auto options = std::make_shared<Options>();
-    const auto add_list = [&](const char *name, std::vector<std::string> &values, const char *text) {
-        command->add_option(name, values, text)->expected(1)->take_all();
-    };
     command->add_option("--ca", options->ca, "the CA's certificate")->required();
     add_key_options(*command, "--ca-key,--key", options->key);
-    add_list("--revoke", options->revoked,
-             "SERIAL[,DATE[,REASON]]: hexadecimal, such as 2030-01-31, such as keyCompromise; "
-             "repeatable");
-    add_list("--revoke-cert", options->certificates, "the certificate itself, now; repeatable");
+    add_repeatable(
+        *command, "--revoke", options->revoked,
+        "SERIAL[,DATE[,REASON]]: hexadecimal, such as 2030-01-31, such as keyCompromise; "
+        "repeatable");
+    add_repeatable(*command, "--revoke-cert", options->certificates,
+                   "the certificate itself, now; repeatable");
     command->add_option("--reason", options->reason, "the reason for those of --revoke-cert");
-    command->add_option("--list", options->list, "a file with an entry as of --revoke on each line");
-    CLI::Option *previous = command->add_option(
-        "--previous", options->previous, "a CRL of this CA whose entries and number go on");
+    command->add_option("--list", options->list,
+                        "a file with an entry as of --revoke on each line");
+    CLI::Option *previous = command->add_option("--previous", options->previous,
+                                                "a CRL of this CA whose entries and number go on");
     command->add_option("--number", options->number,
                         "number of the CRL; the previous one's plus 1, or 1, unless given");
     command->add_option("--delta", options->base, "make a delta CRL to the CRL of this number")

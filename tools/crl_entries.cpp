@@ -63,8 +63,7 @@ uint8_t reason_number(std::string_view name) {
 }
 
 void CrlEntries::add(CrlEntry entry) {
-    const auto [place, added] =
-        places_.try_emplace(text_of(entry.serial), entries_.size());
+    const auto [place, added] = places_.try_emplace(text_of(entry.serial), entries_.size());
     if (added) {
         entries_.push_back(std::move(entry));
     } else {

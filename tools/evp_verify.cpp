@@ -36,9 +36,9 @@ constexpr auto kAlgorithms = std::to_array<Algorithm>({
 }  // namespace
 
 EvpVerdict evp_verify(View key_info, const SignedObject &object) {
-    const auto algorithm = std::find_if(kAlgorithms.begin(), kAlgorithms.end(), [&](const auto &row) {
-        return row.id == object.algorithm_id;
-    });
+    const auto algorithm =
+        std::find_if(kAlgorithms.begin(), kAlgorithms.end(),
+                     [&](const auto &row) { return row.id == object.algorithm_id; });
     const uint8_t *at = key_info.data();
     const EvpKey key(d2i_PUBKEY(nullptr, &at, static_cast<long>(key_info.size())));
     const EvpDigest context(EVP_MD_CTX_new());

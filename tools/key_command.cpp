@@ -32,16 +32,18 @@ bool run(const Options &options) {
 void add_key_command(CLI::App &app, Command &chosen) {
     CLI::App *group = app.add_subcommand("key", "Make keys.");
     group->require_subcommand(1);
-    CLI::App *command =
-        group->add_subcommand("new", "Make a private key: PKCS#8 in PEM, for its owner's eyes alone.");
+    CLI::App *command = group->add_subcommand(
+        "new", "Make a private key: PKCS#8 in PEM, for its owner's eyes alone.");
     const auto options = std::make_shared<Options>();
-    command->add_option("--type", options->type, "rsa-2048, rsa-3072, rsa-4096, rsa-1024, p256 or sm2")
+    command
+        ->add_option("--type", options->type, "rsa-2048, rsa-3072, rsa-4096, rsa-1024, p256 or sm2")
         ->check(CLI::IsMember({"rsa-2048", "rsa-3072", "rsa-4096", "rsa-1024", "p256", "sm2"}))
         ->capture_default_str();
     command->add_option("--out", options->path, "the file to be made, with mode 0600")->required();
     command->add_flag("--force", options->force, "replace a file that is there");
-    command->add_flag("--encrypt", options->encrypted,
-                      "encrypt it with AES-256 under a password, which the next two options may name");
+    command->add_flag(
+        "--encrypt", options->encrypted,
+        "encrypt it with AES-256 under a password, which the next two options may name");
     add_password_options(*command, options->password);
     command->footer("Example:\n  zacert key new --type sm2 --encrypt --out user.key");
     command->callback([options, &chosen] { chosen = [options] { return run(*options); }; });

@@ -20,7 +20,8 @@ constexpr size_t kMaxPassword = 1024;
 
 class Descriptor {
   public:
-    explicit Descriptor(const std::string &path) : value_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
+    explicit Descriptor(const std::string &path)
+        : value_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
     Descriptor(const Descriptor &) = delete;
     Descriptor &operator=(const Descriptor &) = delete;
     ~Descriptor() {
@@ -72,8 +73,9 @@ Secret password_in_variable(const std::string &name) {
 }  // namespace
 
 void add_password_options(CLI::App &command, PasswordSource &source) {
-    CLI::Option *file = command.add_option(
-        "--password-file", source.file, "password of the key (PIN of the token): a file's first line");
+    CLI::Option *file =
+        command.add_option("--password-file", source.file,
+                           "password of the key (PIN of the token): a file's first line");
     command
         .add_option("--password-env", source.variable,
                     "the same from an environment variable; without either it is asked for")

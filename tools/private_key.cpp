@@ -141,8 +141,8 @@ EvpKey generate_key(const std::string &type) {
 Secret pem_of_key(EVP_PKEY &key, const Secret *password) {
     const KeyInfo info = key_info(key);
     const Bio bio(BIO_new(BIO_s_secmem()));
-    const int written =
-        password == nullptr ? PEM_write_bio_PKCS8_PRIV_KEY_INFO(bio.get(), info.get())
+    const int written = password == nullptr
+                            ? PEM_write_bio_PKCS8_PRIV_KEY_INFO(bio.get(), info.get())
                             : PEM_write_bio_PKCS8(bio.get(), sealed(*info, *password).get());
     if (written != 1) {
         throw key_failure("the private key cannot be written");

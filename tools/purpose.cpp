@@ -19,10 +19,7 @@ struct Purpose {
 
 constexpr auto kPurposes = std::to_array<Purpose>({
     {"ca", {}, {"keyCertSign"}, false},
-    {"server",
-     "1.3.6.1.5.5.7.3.1",
-     {"digitalSignature", "keyEncipherment", "keyAgreement"},
-     false},
+    {"server", "1.3.6.1.5.5.7.3.1", {"digitalSignature", "keyEncipherment", "keyAgreement"}, false},
     {"client", "1.3.6.1.5.5.7.3.2", {"digitalSignature", "keyAgreement"}, false},
     {"email",
      "1.3.6.1.5.5.7.3.4",
@@ -79,15 +76,16 @@ std::vector<std::string> purpose_names() {
 }
 
 void check_purpose(const Path &path, const std::string &name, Report &report) {
-    const Purpose &purpose = *std::find_if(
-        kPurposes.begin(), kPurposes.end(), [&](const Purpose &row) { return row.name == name; });
+    const Purpose &purpose = *std::find_if(kPurposes.begin(), kPurposes.end(),
+                                           [&](const Purpose &row) { return row.name == name; });
     report.heading("Purpose " + name);
     const LoadedCertificate &first = *path.certificates.front();
     check_usage(first, purpose, report);
     if (purpose.oid.empty()) {
         const auto *constraints = find_value<BasicConstraints>(first.facts.extensions);
         const bool ca = constraints != nullptr && constraints->ca;
-        report.check(ca, ca ? "CA: basic constraints say so" : "CA: basic constraints do not say so");
+        report.check(ca,
+                     ca ? "CA: basic constraints say so" : "CA: basic constraints do not say so");
         return;
     }
     for (const LoadedCertificate *certificate : path.certificates) {

@@ -30,8 +30,8 @@ RawAttribute attribute(const RequestContext &context, uint32_t index) {
     uint32_t oid_len = 0;
     uint32_t value_len = 0;
     const auto get = [&](uint8_t *oid, uint8_t *value) {
-        check(ZACert_GetCsrAttributePrivate(context.get(), &index, oid, &oid_len, value,
-                                            &value_len));
+        check(
+            ZACert_GetCsrAttributePrivate(context.get(), &index, oid, &oid_len, value, &value_len));
     };
     get(nullptr, nullptr);
     Octets oid(oid_len);

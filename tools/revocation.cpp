@@ -73,10 +73,12 @@ std::optional<RevokedEntry> entry_of(const LoadedCrl &crl, const Integer &serial
         const bool strange = std::any_of(entry.extensions.begin(), entry.extensions.end(),
                                          [](const Extension &e) { return e.critical; });
         if (strange) {
-            report.check(false, "CRL: an entry has a critical extension that is not evaluated here");
+            report.check(false,
+                         "CRL: an entry has a critical extension that is not evaluated here");
             return std::nullopt;
         }
-        if (entry.serial.negative == serial.negative && entry.serial.magnitude == serial.magnitude) {
+        if (entry.serial.negative == serial.negative &&
+            entry.serial.magnitude == serial.magnitude) {
             found = std::move(entry);
         }
     }
@@ -159,8 +161,8 @@ void check_crl(const LoadedCrl &crl, const LoadedCertificate &issuer, const When
                                   shown_time(*crl.facts.next_update));
     }
     const auto *scope = find_value<IssuingDistributionPoint>(crl.facts.extensions);
-    if (scope != nullptr && (scope->indirect || scope->only_attribute_certificates ||
-                             !scope->point.reasons.empty())) {
+    if (scope != nullptr &&
+        (scope->indirect || scope->only_attribute_certificates || !scope->point.reasons.empty())) {
         report.check(false, "CRL: indirect, or for some reasons or attribute certificates alone");
     }
     check_critical_extensions(crl.facts.extensions, report);

@@ -32,8 +32,9 @@ Octets parse_serial(std::string_view text) {
     // RFC 5280, 4.1.2.2: positive, of no more than 20 octets.
     if (!octets || octets->empty() || octets->size() > kMaxOctets ||
         (octets->size() == kMaxOctets && octets->front() >= 0x80)) {
-        throw Failure("expected a serial number in hexadecimal, above 0 and of up to 20 octets, found " +
-                      std::string(text));
+        throw Failure(
+            "expected a serial number in hexadecimal, above 0 and of up to 20 octets, found " +
+            std::string(text));
     }
     return std::move(*octets);
 }

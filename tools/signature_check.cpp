@@ -75,10 +75,11 @@ Octets digest_info(const RsaAlgorithm &algorithm, View signed_part) {
     check(ZA_PKCS7_DigestMessage(algorithm.digest, signed_part.data(), length_of(signed_part),
                                  digest.data(), &length));
     return fetched([&](uint8_t *out, uint32_t *out_len) {
-        return EnCodeThums(algorithm.digest_id.data(), size_of(View(reinterpret_cast<const uint8_t *>(
-                                                           algorithm.digest_id.data()),
-                                                       algorithm.digest_id.size())),
-                           digest.data(), length, out, out_len);
+        return EnCodeThums(
+            algorithm.digest_id.data(),
+            size_of(View(reinterpret_cast<const uint8_t *>(algorithm.digest_id.data()),
+                         algorithm.digest_id.size())),
+            digest.data(), length, out, out_len);
     });
 }
 
@@ -156,7 +157,8 @@ constexpr auto kTwoAlgorithms = "the algorithms inside and outside of the signed
 
 SignatureVerdict check_certificate_signature(View issuer, View certificate, Moment moment) {
     return guarded([&]() -> SignatureVerdict {
-        if (!is_same(certificate_parts(certificate).algorithm, signed_object(certificate).algorithm)) {
+        if (!is_same(certificate_parts(certificate).algorithm,
+                     signed_object(certificate).algorithm)) {
             return {false, kTwoAlgorithms};
         }
         const View key_info = certificate_parts(issuer).key;
@@ -181,19 +183,19 @@ SignatureVerdict check_certificate_signature(View issuer, View certificate, Mome
         return check_by(
             key_info, certificate,
             {[&] {
-                 return present ? whole_or_key(ZA_VerifyCert(issuer.data(), size_of(issuer),
-                                                             certificate.data(),
-                                                             size_of(certificate)),
-                                               rsa_by_key)
-                                : rsa_by_key();
+                 return present
+                            ? whole_or_key(ZA_VerifyCert(issuer.data(), size_of(issuer),
+                                                         certificate.data(), size_of(certificate)),
+                                           rsa_by_key)
+                            : rsa_by_key();
              },
              [&] {
-                 return present ? whole_or_key(ZA_ECC_VerifyCert(issuer.data(), size_of(issuer),
-                                                                 certificate.data(),
-                                                                 size_of(certificate),
-                                                                 zacert_gm_verify),
-                                               ecc_by_key)
-                                : ecc_by_key();
+                 return present
+                            ? whole_or_key(ZA_ECC_VerifyCert(
+                                               issuer.data(), size_of(issuer), certificate.data(),
+                                               size_of(certificate), zacert_gm_verify),
+                                           ecc_by_key)
+                            : ecc_by_key();
              }});
     });
 }
@@ -205,9 +207,7 @@ SignatureVerdict check_crl_signature(View issuer, View crl) {
         }
         return check_by(
             certificate_parts(issuer).key, crl,
-            {[&] {
-                 return ZA_VerifyCrl(issuer.data(), size_of(issuer), crl.data(), size_of(crl));
-             },
+            {[&] { return ZA_VerifyCrl(issuer.data(), size_of(issuer), crl.data(), size_of(crl)); },
              [&] {
                  return ZA_ECC_VerifyCrl(issuer.data(), size_of(issuer), crl.data(), size_of(crl),
                                          zacert_gm_verify);

@@ -132,8 +132,8 @@ struct CloseToken {
 };
 
 Signer signer_of_token(const KeyOptions &options) {
-    const auto key = std::shared_ptr<zacert_pkcs11_key>(
-        new zacert_pkcs11_key(open_token(options)), CloseToken());
+    const auto key = std::shared_ptr<zacert_pkcs11_key>(new zacert_pkcs11_key(open_token(options)),
+                                                        CloseToken());
     Signer signer;
     signer.function = zacert_pkcs11_sign;
     signer.context = octets_of_record(*key);

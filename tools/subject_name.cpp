@@ -66,7 +66,8 @@ std::string_view take_entry(std::string_view &text) {
     size_t end = 0;
     while (end < text.size() && text[end] != ',') {
         if (text[end] == '+') {
-            throw Failure("expected one entry between commas; write a plus sign behind a backslash");
+            throw Failure(
+                "expected one entry between commas; write a plus sign behind a backslash");
         }
         end += text[end] == '\\' ? 2 : 1;
     }

@@ -2,6 +2,7 @@
 #include "dates.hpp"
 #include "failure.hpp"
 #include "input.hpp"
+#include "options.hpp"
 #include "path.hpp"
 #include "purpose.hpp"
 #include "revocation.hpp"
@@ -131,8 +132,10 @@ bool verify_or_say(const Session &session, const std::string &path) {
 bool run(const Options &options) {
     const When when = options.at.empty() ? When{now(), Moment::present}
                                          : When{parse_time(options.at), Moment::other};
-    Session session{
-        options, {load_certificates(options.roots), load_certificates(options.intermediates)}, {}, when};
+    Session session{options,
+                    {load_certificates(options.roots), load_certificates(options.intermediates)},
+                    {},
+                    when};
     for (const std::string &path : options.crls) {
         for (Octets &der : load_all(path, ObjectKind::crl)) {
             session.crls.emplace_back(std::move(der));
@@ -149,16 +152,16 @@ bool run(const Options &options) {
 }  // namespace
 
 void add_verify_command(CLI::App &app, Command &chosen) {
-    CLI::App *command = app.add_subcommand(
-        "verify",
-        "Verify certificates up to a trusted one, CRLs by their issuer, requests by their own key.");
+    CLI::App *command = app.add_subcommand("verify",
+                                           "Verify certificates up to a trusted one, CRLs by their "
+                                           "issuer, requests by their own key.");
     const auto options = std::make_shared<Options>();
-    const auto add_list = [&](const char *name, std::vector<std::string> &values, const char *text) {
-        command->add_option(name, values, text)->expected(1)->take_all();
-    };
-    add_list("--ca", options->roots, "trusted certificates, PEM or DER; repeatable");
-    add_list("--intermediate", options->intermediates, "certificates that may stand between; repeatable");
-    add_list("--crl", options->crls, "CRLs: certificates must not stand in them; repeatable");
+    add_repeatable(*command, "--ca", options->roots,
+                   "trusted certificates, PEM or DER; repeatable");
+    add_repeatable(*command, "--intermediate", options->intermediates,
+                   "certificates that may stand between; repeatable");
+    add_repeatable(*command, "--crl", options->crls,
+                   "CRLs: certificates must not stand in them; repeatable");
     command->add_option("--at", options->at, "2030-01-31 or 2030-01-31T23:59:59Z instead of now");
     command->add_option("--purpose", options->purpose, "ca, server, client, email or ocsp")
         ->check(CLI::IsMember(purpose_names()));
@@ -169,7 +172,8 @@ void add_verify_command(CLI::App &app, Command &chosen) {
         ->required();
     command->footer(
         "Exit status: 0 all is good, 1 something is not, 2 the arguments make no sense.\n"
-        "Example:\n  zacert verify --ca root.pem --intermediate ca.pem --crl ca.crl --purpose server "
+        "Example:\n  zacert verify --ca root.pem --intermediate ca.pem --crl ca.crl --purpose "
+        "server "
         "server.pem");
     command->callback([options, &chosen] { chosen = [options] { return run(*options); }; });
 }
