@@ -184,10 +184,14 @@ Octets load_request(const std::string &path) {
 }
 
 void set_subject(const Options &options, const RequestParts &request, CertificateWriter &writer) {
+    constexpr size_t kEmptyName = 2;
     if (!options.subject.empty()) {
         set_subject_entries(parse_subject(options.subject), CERT_SUBJECT_COUNTRYNAME,
                             CERT_SUBJCET_DN_DER_ID_TAG, writer);
         return;
+    }
+    if (request.subject.size() <= kEmptyName) {
+        throw Failure("the request names nobody; give --subject");
     }
     writer.set(CERT_SUBJECT_DERDN, request.subject);
 }
@@ -219,10 +223,12 @@ bool run(const Options &options) {
 
 void add_subject_options(CLI::App &command, Options &options) {
     CLI::Option *request =
-        command.add_option("--request", options.request, "the request to be answered, PEM or DER");
+        command.add_option("--request", options.request, "the request to be answered, PEM or DER")
+            ->type_name("FILE");
     CLI::Option *self =
         command.add_flag("--self", options.self, "make a self-signed certificate instead");
-    CLI::Option *ca = command.add_option("--ca", options.ca, "the CA's certificate");
+    CLI::Option *ca =
+        command.add_option("--ca", options.ca, "the CA's certificate")->type_name("FILE");
     CLI::Option *subject =
         command.add_option("--subject", options.subject,
                            "name in UTF-8, in place of the request's; types: " + subject_types());
@@ -235,10 +241,15 @@ void add_validity_options(CLI::App &command, Options &options) {
     CLI::Option *days =
         command.add_option("--days", options.days, "365 unless given; of a CA 3650")
             ->check(CLI::Range(1, 100000));
-    command.add_option("--not-before", options.not_before,
-                       "2030-01-31 or 2030-01-31T23:59:59Z; now unless given");
-    command.add_option("--not-after", options.not_after, "in place of --days")->excludes(days);
-    command.add_option("--serial", options.serial, "hexadecimal; 16 random octets unless given");
+    command
+        .add_option("--not-before", options.not_before,
+                    "2030-01-31 or 2030-01-31T23:59:59Z; now unless given")
+        ->type_name("DATE");
+    command.add_option("--not-after", options.not_after, "in place of --days")
+        ->type_name("DATE")
+        ->excludes(days);
+    command.add_option("--serial", options.serial, "hexadecimal; 16 random octets unless given")
+        ->type_name("HEX");
 }
 
 void add_content_options(CLI::App &command, Options &options) {
@@ -253,7 +264,8 @@ void add_content_options(CLI::App &command, Options &options) {
     add_repeatable(command, "--ocsp-url", options.ocsp_urls, "where OCSP answers; repeatable");
     add_repeatable(command, "--issuer-url", options.issuer_urls,
                    "where the CA's certificate is; repeatable");
-    command.add_option("--policy", options.policy, "object identifier of a certificate policy");
+    command.add_option("--policy", options.policy, "object identifier of a certificate policy")
+        ->type_name("OID");
     add_repeatable(command, "--identity", options.identities,
                    "KIND=NUMBER, an identity number; repeatable; kinds: " + identity_kinds());
 }

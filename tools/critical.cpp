@@ -27,9 +27,19 @@ constexpr auto kUnderstood = std::to_array<std::string_view>({
     "2.5.29.37",  // extKeyUsage
 });
 
+// Numbers of persons and organisations, which name the subject further.
+constexpr auto kIdentities =
+    std::to_array<std::string_view>({"1.2.156.10260.4.1.", "1.2.86.11.7."});
+
 bool is_understood(const Extension &extension) {
+    const std::string_view oid = extension.id.oid;
+    if (oid == "1.3.6.1.5.5.7.48.1.5") {
+        return true;  // ocspNoCheck, of which the tool shows no value
+    }
     return extension.decoded() &&
-           std::find(kUnderstood.begin(), kUnderstood.end(), extension.id.oid) != kUnderstood.end();
+           (std::find(kUnderstood.begin(), kUnderstood.end(), oid) != kUnderstood.end() ||
+            std::any_of(kIdentities.begin(), kIdentities.end(),
+                        [oid](std::string_view prefix) { return oid.starts_with(prefix); }));
 }
 
 }  // namespace

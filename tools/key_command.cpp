@@ -39,12 +39,13 @@ void add_key_command(CLI::App &app, Command &chosen) {
         ->add_option("--type", options->type, "rsa-2048, rsa-3072, rsa-4096, rsa-1024, p256 or sm2")
         ->check(CLI::IsMember({"rsa-2048", "rsa-3072", "rsa-4096", "rsa-1024", "p256", "sm2"}))
         ->capture_default_str();
-    command->add_option("--out", options->path, "the file to be made, with mode 0600")->required();
+    command->add_option("--out", options->path, "the file to be made, with mode 0600")
+        ->type_name("FILE")
+        ->required();
     command->add_flag("--force", options->force, "replace a file that is there");
-    command->add_flag(
-        "--encrypt", options->encrypted,
-        "encrypt it with AES-256 under a password, which the next two options may name");
-    add_password_options(*command, options->password);
+    command->add_flag("--encrypt", options->encrypted,
+                      "encrypt it with AES-256 under a password, asked for unless given below");
+    add_password_options(*command, options->password, "both encrypt without --encrypt too");
     command->footer("Example:\n  zacert key new --type sm2 --encrypt --out user.key");
     command->callback([options, &chosen] { chosen = [options] { return run(*options); }; });
 }

@@ -19,6 +19,12 @@ constexpr const char *kExamples = R"(Examples:
   zacert show --format table /etc/ssl/certs/ca-certificates.crt
   openssl s_client -connect example.org:443 </dev/null | zacert show --format json -)";
 
+constexpr const char *kMoreExamples = R"(
+  zacert key new --out root.key
+  zacert cert issue --self --subject "C=CN,CN=Root" --key root.key --profile ca --out root.pem
+  zacert verify --ca root.pem server.pem
+Each command has examples of its own: zacert cert issue --help)";
+
 // The library reads times in the zone of the process, while those of certificates are in UTC.
 void use_utc() {
     setenv("TZ", "UTC", 1);
@@ -32,7 +38,7 @@ int run(int argc, char **argv) {
     app.name("zacert");
     app.set_version_flag("--version", "zacert " ZACERT_VERSION);
     app.require_subcommand(1);
-    app.footer(kExamples);
+    app.footer(std::string(kExamples) + kMoreExamples);
 
     std::vector<std::string> files;
     std::string format = "text";

@@ -3,37 +3,15 @@
 #include "failure.hpp"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <openssl/evp.h>
-#include <unistd.h>
 
 namespace tool {
 
 namespace {
 
 constexpr size_t kMaxPassword = 1024;
-
-class Descriptor {
-  public:
-    explicit Descriptor(const std::string &path)
-        : value_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
-    Descriptor(const Descriptor &) = delete;
-    Descriptor &operator=(const Descriptor &) = delete;
-    ~Descriptor() {
-        if (value_ >= 0) {
-            close(value_);
-        }
-    }
-    int get() const { return value_; }
-
-  private:
-    int value_;
-};
 
 Secret first_line(View text) {
     const auto end = std::find_if(text.begin(), text.end(),
@@ -46,20 +24,8 @@ Secret first_line(View text) {
 }
 
 Secret password_in_file(const std::string &path) {
-    const Descriptor file(path);
-    Secret buffer(kMaxPassword + 2);
-    size_t used = 0;
-    while (used < buffer.size()) {
-        const ssize_t count = read(file.get(), buffer.data() + used, buffer.size() - used);
-        if (count < 0) {
-            throw Failure("expected a password in " + path + ": " + std::strerror(errno));
-        }
-        if (count == 0) {
-            break;
-        }
-        used += static_cast<size_t>(count);
-    }
-    return first_line(buffer.view().first(used));
+    constexpr size_t kMaxFile = 64 * 1024;
+    return first_line(read_secret(path, kMaxFile, "a password").view());
 }
 
 Secret password_in_variable(const std::string &name) {
@@ -72,13 +38,14 @@ Secret password_in_variable(const std::string &name) {
 
 }  // namespace
 
-void add_password_options(CLI::App &command, PasswordSource &source) {
-    CLI::Option *file =
-        command.add_option("--password-file", source.file,
-                           "password of the key (PIN of the token): a file's first line");
+void add_password_options(CLI::App &command, PasswordSource &source, const std::string &otherwise) {
+    CLI::Option *file = command.add_option(
+        "--password-file", source.file, "the password (of a token: the PIN): a file's first line");
+    file->type_name("FILE");
     command
         .add_option("--password-env", source.variable,
-                    "the same from an environment variable; without either it is asked for")
+                    "the same from an environment variable; " + otherwise)
+        ->type_name("NAME")
         ->excludes(file);
 }
 

@@ -17,7 +17,8 @@ struct PasswordSource {
     bool given() const { return !file.empty() || !variable.empty(); }
 };
 
-void add_password_options(CLI::App &command, PasswordSource &source);
+// `otherwise` ends the help text: what happens without either option.
+void add_password_options(CLI::App &command, PasswordSource &source, const std::string &otherwise);
 
 // From the file's first line or the variable; nothing where neither is named.
 std::optional<Secret> given_password(const PasswordSource &source);

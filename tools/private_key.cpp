@@ -1,7 +1,6 @@
 #include "private_key.hpp"
 
 #include "failure.hpp"
-#include "input.hpp"
 #include "wording.hpp"
 
 #include <algorithm>
@@ -151,9 +150,8 @@ Secret pem_of_key(EVP_PKEY &key, const Secret *password) {
 }
 
 EvpKey read_private_key(const std::string &path, const PasswordSource &source) {
-    Octets octets = read_file(path, "a private key");
-    const Secret file(octets);
-    OPENSSL_cleanse(octets.data(), octets.size());
+    constexpr size_t kMaxFile = 1024 * 1024;
+    const Secret file = read_secret(path, kMaxFile, "a private key");
     PasswordRequest request{source, path, {}};
     EvpKey key(decoded_key(file, request));
     if (key == nullptr) {

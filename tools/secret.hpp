@@ -4,6 +4,8 @@
 #include "octets.hpp"
 
 #include <openssl/crypto.h>
+#include <string>
+#include <string_view>
 #include <utility>
 
 namespace tool {
@@ -29,5 +31,9 @@ class Secret {
   private:
     Octets octets_;
 };
+
+// A file, or standard input for "-", past the buffers that others keep. Throws Failure: `wanted` says
+// what was to be found.
+Secret read_secret(const std::string &path, size_t limit, std::string_view wanted);
 
 }  // namespace tool

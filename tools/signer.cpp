@@ -153,12 +153,14 @@ Signer signer_of_token(const KeyOptions &options) {
 
 void add_key_options(CLI::App &command, const std::string &option, KeyOptions &options) {
     CLI::Option_group *group = command.add_option_group("Key", "who signs");
-    group->add_option(option, options.file, "private key: PEM or DER");
-    group->add_option("--pkcs11", options.uri,
-                      "private key on a token instead: an RFC 7512 URI such as "
-                      "\"pkcs11:token=CA;object=root?module-path=/usr/lib/token.so\"");
+    group->add_option(option, options.file, "private key: PEM or DER")->type_name("FILE");
+    group
+        ->add_option("--pkcs11", options.uri,
+                     "private key on a token instead: an RFC 7512 URI such as "
+                     "\"pkcs11:token=CA;object=root?module-path=/usr/lib/token.so\"")
+        ->type_name("URI");
     group->require_option(1);
-    add_password_options(command, options.password);
+    add_password_options(command, options.password, "asked for where it is needed and not given");
 }
 
 Signer open_signer(const KeyOptions &options) {

@@ -169,6 +169,7 @@ void write_file(const std::string &path, View octets, mode_t mode, Existing exis
 
 void add_output_options(CLI::App &command, OutputOptions &output) {
     command.add_option("--out", output.path, "where to write it; - is standard output")
+        ->type_name("FILE")
         ->capture_default_str();
     command.add_flag("--der", output.der, "write DER instead of PEM");
 }
