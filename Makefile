@@ -31,7 +31,7 @@ format: ## format every file as .clang-format says
 tidy: ## look for more than the compilers warn of
 	scripts/install-packages build test tidy
 	cmake --preset sanitize
-	run-clang-tidy -quiet -p build/sanitize '/(src|tools)/'
+	run-clang-tidy -quiet -p build/sanitize '/(src|companion|tools)/'
 	shellcheck scripts/* .ci/run
 
 deps: ## install every package that any of these needs

@@ -1,9 +1,15 @@
-# Headers, both libraries, the tool, zacert.pc, the CMake package, and what documentation there is.
+# Headers, all libraries, the tool, zacert.pc, the CMake package, and what documentation there is.
 include(CMakePackageConfigHelpers)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zacert)
 
 install(TARGETS zacert zacert-static EXPORT zacertTargets)
 install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN *.h)
+foreach(library IN LISTS ZACERT_COMPANIONS)
+  install(TARGETS zacert-${library} EXPORT zacertTargets)
+  install(DIRECTORY companion/${library}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN *.h)
+  configure_file(packaging/zacert-${library}.pc.in zacert-${library}.pc @ONLY)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zacert-${library}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()
 install(EXPORT zacertTargets NAMESPACE zacert:: DESTINATION ${package_dir})
 
 if(ZACERT_BUILD_TOOL)
