@@ -136,7 +136,7 @@ TEST(Crypt, TakesKeysOfRc2ByTheirEffectiveBits) {
 TEST(Crypt, SurvivesDamagedCiphers) {
     for (const Row &row : rows_of("crypto/known_answers.txt")) {
         Row cells = split(row[1], ';');
-        if (row[0] == "PKCS12_DESDecrypt" && cells[3].size() == 32) {
+        if (row[0] == "PKCS12_DESDecrypt" && cells[0].starts_with("2A864886F70D010C")) {
             expect_damage_survived(from_hex(cells[3]), {0, 101, 139}, [&](const Octets &cipher) {
                 cells[3] = to_hex(cipher);
                 const std::string text = outcome(kFunctions.at("ZA_PKCS12_DESDecrypt"), cells);
