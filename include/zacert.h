@@ -28,6 +28,7 @@
 #include <zacert/callbacks.h>
 #include <zacert/cert.h>
 #include <zacert/cert_attributes.h>
+#include <zacert/crypto.h>
 #include <zacert/keys.h>
 #include <zacert/names.h>
 #include <zacert/runtime.h>
