@@ -29,6 +29,10 @@
 #include <zacert/cert.h>
 #include <zacert/cert_attributes.h>
 #include <zacert/crypto.h>
+#include <zacert/csr.h>
+#include <zacert/csr_attributes.h>
+#include <zacert/fast_parse.h>
+#include <zacert/identity.h>
 #include <zacert/keys.h>
 #include <zacert/names.h>
 #include <zacert/runtime.h>

@@ -1,4 +1,5 @@
-// The list of extensions that have no attribute of their own.
+#include "cert/za_cert_private.hpp"
+
 #include "asn1/za_asn2_writer.hpp"
 #include "cert/za_cert_context.hpp"
 #include "names/za_low_charset.hpp"
@@ -12,14 +13,6 @@ constexpr za::TraceSource trace{".\\src\\za_cert"};
 
 namespace za::cert {
 namespace {
-
-struct PrivateArguments {
-    const uint8_t *oid;
-    int32_t oid_len;
-    uint32_t critical;
-    const uint8_t *value;
-    int32_t value_len;
-};
 
 Status check(void *ctx, const PrivateArguments &arguments) {
     ZA_PASS(trace.need(ctx));
@@ -61,15 +54,13 @@ Status encode_value(Bytes value, uint32_t type, Chain &out) {
     return Status::ok;
 }
 
-const PrivateExtension *find(const List<PrivateExtension> &list, uint32_t index) {
-    auto extension = list.begin();
-    for (uint32_t i = 1; i < index && extension != list.end(); ++i) {
-        ++extension;
-    }
-    return index == 0 || extension == list.end() ? nullptr : &*extension;
+}  // namespace
+
+Status set_private(void *ctx, const PrivateArguments &arguments) {
+    ZA_PASS(check(ctx, arguments));
+    return add_private(*static_cast<Certificate *>(ctx), arguments, value_of(arguments));
 }
 
-}  // namespace
 }  // namespace za::cert
 
 using za::Status;
@@ -79,10 +70,7 @@ using za::cert::PrivateArguments;
 uint32_t ZACert_SetCertAttributePrivate(void *ctx, const uint8_t *oid, int32_t oidLen,
                                         uint32_t critical, const uint8_t *value, int32_t valueLen) {
     return trace.exported([&] {
-        const PrivateArguments arguments{oid, oidLen, critical, value, valueLen};
-        ZA_PASS(za::cert::check(ctx, arguments));
-        return za::cert::add_private(*static_cast<Certificate *>(ctx), arguments,
-                                     za::cert::value_of(arguments));
+        return za::cert::set_private(ctx, {oid, oidLen, critical, value, valueLen});
     });
 }
 
@@ -110,7 +98,7 @@ uint32_t ZACert_GetCertAttributePrivate(void *ctx, uint32_t *index, uint8_t *oid
     return trace.exported([&] {
         ZA_PASS(trace.need(ctx, index));
         const auto &list = static_cast<Certificate *>(ctx)->private_extensions;
-        const za::cert::PrivateExtension *extension = za::cert::find(list, *index);
+        const za::cert::PrivateExtension *extension = list.item(*index);
         if (extension == nullptr) {
             *index = za::to_u32(list.size());
             return Status::ok;

@@ -3,8 +3,14 @@
 
 #include "cert/za_cert_parts.hpp"
 #include "cert/za_cert_signer.hpp"
+#include "runtime/list.hpp"
 
 namespace za::request {
+
+struct RequestAttribute {
+    Field oid;
+    Field value;  // content of an OCTET STRING, or the whole element of any other type
+};
 
 struct Csr {
     cert::Kept kept;
@@ -13,8 +19,10 @@ struct Csr {
     Field tbs;
     Field outer_algorithm;
     Field signature;
+    uint32_t version = 0;
     cert::Name subject;
     cert::PublicKey key;
+    List<RequestAttribute> attributes;
 
     cert::Signer signer;
 };

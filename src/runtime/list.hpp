@@ -70,6 +70,18 @@ class List {
 
     Iterator begin() const { return Iterator(first_); }
     Iterator end() const { return Iterator(nullptr); }
+    // The item with this number, counted from 1, or NULL.
+    const T *item(size_t number) const {
+        if (number == 0) {
+            return nullptr;
+        }
+        const Node *node = first_;
+        for (size_t i = 1; i < number && node != nullptr; ++i) {
+            node = node->next;
+        }
+        return node == nullptr ? nullptr : &node->value;
+    }
+
     bool empty() const { return first_ == nullptr; }
     size_t size() const { return size_; }
     const T &front() const { return first_->value; }
