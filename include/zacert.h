@@ -28,6 +28,8 @@
 #include <zacert/callbacks.h>
 #include <zacert/cert.h>
 #include <zacert/cert_attributes.h>
+#include <zacert/crl.h>
+#include <zacert/crl_attributes.h>
 #include <zacert/crypto.h>
 #include <zacert/csr.h>
 #include <zacert/csr_attributes.h>

@@ -21,29 +21,10 @@ using asn1::Content;
 using asn1::Element;
 using asn1::Implicit;
 
-struct Extension {
-    Bytes oid;
-    uint8_t critical = 0;
-    Bytes value;
-};
+constexpr Walk kWalk{trace, Status::certificate_not_end};
 
-// Extension ::= SEQUENCE { extnID OBJECT IDENTIFIER, critical BOOLEAN DEFAULT FALSE,
-//     extnValue OCTET STRING }
 Status open_extension(Children elements, Extension &out) {
-    Extension extension;
-    Element field;
-    Content value;
-    ZA_PASS(take_field(elements, field));
-    ZA_TRY(ZAsn1_ReadObjectId, asn1::read_object_id(field, extension.oid));
-    ZA_PASS(take_field(elements, field));
-    if (field.type == asn1::kBoolean) {
-        ZA_TRY(ZAsn1_ReadBoolean, asn1::read_boolean(field, extension.critical));
-        ZA_PASS(take_field(elements, field));
-    }
-    ZA_TRY(ZAsn1_ReadOctetString, asn1::read_string(field, value));
-    extension.value = value.octets;
-    out = extension;
-    return Status::ok;
+    return cert::open_extension(kWalk, elements, out);
 }
 
 // An extension whose value is a SEQUENCE.
@@ -56,34 +37,6 @@ Status open_sequence(Children elements, Extension &extension, Children &fields) 
 void mark_decoded(ExtensionState &state, const Extension &extension) {
     state.decoded = true;
     state.critical = extension.critical;
-}
-
-// The first child with a context tag, opened; nothing is found where there is none.
-Status find_implicit(Children children, uint32_t type, bool &found, Implicit &out) {
-    found = false;
-    for (Element child; !found && children.next(child);) {
-        if (child.type == type) {
-            ZA_TRY(ZAsn1_ReadImplicit, asn1::read_implicit(child, out));
-            found = true;
-        }
-    }
-    return Status::ok;
-}
-
-// DistributionPoint ::= SEQUENCE { distributionPoint [0] { fullName [0] GeneralNames, ... }, ... }
-// of which the first URI, [6], counts.
-Status find_uri(const Element &point, bool &found, Bytes &out) {
-    constexpr std::array kPath{asn1::constructed(0), asn1::constructed(0), asn1::primitive(6)};
-    Implicit opened;
-    ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(point, opened.children));
-    for (const uint32_t type : kPath) {
-        ZA_PASS(find_implicit(opened.children, type, found, opened));
-        if (!found) {
-            return Status::ok;
-        }
-    }
-    out = opened.content.octets;
-    return Status::ok;
 }
 
 // Purposes 1.3.6.1.5.5.7.3.1 to .8 have bits 0x40 to 0x2000 of the selection.
@@ -225,7 +178,7 @@ Status decode_authority_key_identifier(Certificate &cert, Children elements) {
     Implicit field;
     bool found = false;
     ZA_PASS(open_sequence(elements, extension, fields));
-    ZA_PASS(find_implicit(fields, asn1::constructed(1), found, field));
+    ZA_PASS(find_implicit(kWalk, fields, asn1::constructed(1), found, field));
     for (Element name; found && field.children.next(name);) {
         if (name.type == asn1::constructed(4)) {
             Element inner;
@@ -234,11 +187,11 @@ Status decode_authority_key_identifier(Certificate &cert, Children elements) {
             ZA_TRY(ZI_DecodeIssuerSubject, names::decode_issuer_subject(inner, out.issuer));
         }
     }
-    ZA_PASS(find_implicit(fields, asn1::primitive(2), found, field));
+    ZA_PASS(find_implicit(kWalk, fields, asn1::primitive(2), found, field));
     if (found) {
         out.serial.refer(field.content.octets);
     }
-    ZA_PASS(find_implicit(fields, asn1::primitive(0), found, field));
+    ZA_PASS(find_implicit(kWalk, fields, asn1::primitive(0), found, field));
     if (found) {
         out.value.refer(field.content.octets);
     }
@@ -302,7 +255,7 @@ Status decode_distribution_points(Certificate &cert, Children elements) {
     for (Element point; points.next(point);) {
         bool found = false;
         Bytes octets;
-        ZA_PASS(find_uri(point, found, octets));
+        ZA_PASS(find_uri(kWalk, point, found, octets));
         if (found) {
             Field uri;
             uri.refer(octets);

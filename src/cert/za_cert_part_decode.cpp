@@ -3,10 +3,13 @@
 #include "keys/za_ext_ecc_key.hpp"
 #include "keys/za_ext_public_key.hpp"
 
+#include <array>
+
 namespace za::cert {
 
 using asn1::Children;
 using asn1::Element;
+using asn1::Implicit;
 
 Status take_field(const Walk &walk, Children &fields, Element &out) {
     if (!fields.next(out)) {
@@ -79,6 +82,56 @@ Status decode_public_key(const Walk &walk, const Element &info, PublicKey &out) 
     Octets record;
     ZA_TRY(ZACERT_EncodeEccPubKey, keys::encode_ecc_public_key(key.ecc, record));
     out.bits.take(std::move(record));
+    return Status::ok;
+}
+
+// Extension ::= SEQUENCE { extnID OBJECT IDENTIFIER, critical BOOLEAN DEFAULT FALSE,
+//     extnValue OCTET STRING }
+Status open_extension(const Walk &walk, Children elements, Extension &out) {
+    const TraceSource &trace = walk.trace;
+    Extension extension;
+    Element field;
+    asn1::Content value;
+    ZA_PASS(take_field(walk, elements, field));
+    ZA_TRY(ZAsn1_ReadObjectId, asn1::read_object_id(field, extension.oid));
+    ZA_PASS(take_field(walk, elements, field));
+    if (field.type == asn1::kBoolean) {
+        ZA_TRY(ZAsn1_ReadBoolean, asn1::read_boolean(field, extension.critical));
+        ZA_PASS(take_field(walk, elements, field));
+    }
+    ZA_TRY(ZAsn1_ReadOctetString, asn1::read_string(field, value));
+    extension.value = value.octets;
+    out = extension;
+    return Status::ok;
+}
+
+Status find_implicit(const Walk &walk, Children children, uint32_t type, bool &found,
+                     Implicit &out) {
+    const TraceSource &trace = walk.trace;
+    found = false;
+    for (Element child; !found && children.next(child);) {
+        if (child.type == type) {
+            ZA_TRY(ZAsn1_ReadImplicit, asn1::read_implicit(child, out));
+            found = true;
+        }
+    }
+    return Status::ok;
+}
+
+// SEQUENCE { distributionPoint [0] { fullName [0] GeneralNames, ... }, ... }, of which the first
+// URI, [6], counts.
+Status find_uri(const Walk &walk, const Element &point, bool &found, Bytes &out) {
+    constexpr std::array kPath{asn1::constructed(0), asn1::constructed(0), asn1::primitive(6)};
+    const TraceSource &trace = walk.trace;
+    Implicit opened;
+    ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(point, opened.children));
+    for (const uint32_t type : kPath) {
+        ZA_PASS(find_implicit(walk, opened.children, type, found, opened));
+        if (!found) {
+            return Status::ok;
+        }
+    }
+    out = opened.content.octets;
     return Status::ok;
 }
 

@@ -22,4 +22,22 @@ Status decode_name(const Walk &walk, const asn1::Element &name, Name &out);
 Status decode_time(const Walk &walk, const asn1::Element &time, Time &out);
 Status decode_public_key(const Walk &walk, const asn1::Element &info, PublicKey &out);
 
+// ---- Extensions
+
+struct Extension {
+    Bytes oid;
+    uint8_t critical = 0;
+    Bytes value;
+};
+
+// The elements of one extension's SEQUENCE.
+Status open_extension(const Walk &walk, asn1::Children elements, Extension &out);
+
+// The first child with a context tag, opened; nothing is found where there is none.
+Status find_implicit(const Walk &walk, asn1::Children children, uint32_t type, bool &found,
+                     asn1::Implicit &out);
+
+// The first URI of a structure that begins with a DistributionPointName.
+Status find_uri(const Walk &walk, const asn1::Element &point, bool &found, Bytes &out);
+
 }  // namespace za::cert
