@@ -15,11 +15,31 @@
  *         }
  *     }
  *     ZACert_DestroyCertDecodeCtx(cert);
+ *
+ * Example: issuing. `sign` is a ZACertSignFunc and `key` what it is handed.
+ *
+ *     void *cert = NULL;
+ *     uint32_t len = 0;
+ *     uint32_t result = ZACert_CreateCertEncodeCtx_Ex(&cert, caDer, caDerLen);
+ *     result = result != 0 ? result : ZACert_SetCertAttributeInt(cert, CERT_VERSION, 2);
+ *     ... serial number, both signature algorithms, times, subject, key, extensions ...
+ *     result = result != 0 ? result : ZACert_SetCertSignFunc(cert, sign, key, keyLen);
+ *     result = result != 0 ? result : ZACert_EncodeCert(cert, NULL, &len);
+ *     if (result == 0) {
+ *         uint8_t *der = malloc(len);
+ *         if (der != NULL) {
+ *             ZACert_EncodeCert(cert, der, &len);
+ *             use(der, len);
+ *             free(der);
+ *         }
+ *     }
+ *     ZACert_DestroyCertEncodeCtx(cert);
  */
 #ifndef ZACERT_CERT_H
 #define ZACERT_CERT_H
 
 #include <zacert/base.h>
+#include <zacert/callbacks.h>
 #include <zacert/cert_attributes.h>
 
 #ifdef __cplusplus
@@ -34,7 +54,28 @@ extern "C" {
  */
 ZACERT_API uint32_t ZACert_CreateCertEncodeCtx(void **ctx);
 
-/* ZACert_CreateCertDecodeCtx: the same; destroyed with ZACert_DestroyCertDecodeCtx. */
+/*
+ * ZACert_CreateCertEncodeCtx_Ex: the same for a certificate to be issued by a CA: the subject of
+ * its certificate becomes the issuer (attribute 7), octet for octet. 108: the CA's certificate is
+ * NULL or its length 0; 101: its subject is longer than 2048 octets, or missing; the codes of
+ * decoding. The certificate must lie wholly within `derIssuCertLen` (102).
+ */
+ZACERT_API uint32_t ZACert_CreateCertEncodeCtx_Ex(void **ctx, const uint8_t *derIssuCert,
+                                                  uint32_t derIssuCertLen);
+
+/*
+ * ZACert_CreateCertEncodeCtx_Ex_ForAKid: the same, and an authority key identifier with three
+ * parts: the CA's subject key identifier where it has one, its serial number, and a directory name
+ * of its subject's country, state, locality, organisation, organisational units (as one entry),
+ * common name and e-mail, followed by a dnQualifier with the Base64 of the SHA-1 of its key
+ * (attribute 54). That name is not the issuer name of the CA's certificate, so `openssl verify`
+ * refuses what is issued this way; serial numbers of 80 and above come out negative in it. Set
+ * attribute 65 on a context of ZACert_CreateCertEncodeCtx_Ex where such verifiers matter.
+ */
+ZACERT_API uint32_t ZACert_CreateCertEncodeCtx_Ex_ForAKid(void **ctx, const uint8_t *derIssuCert,
+                                                          uint32_t derIssuCertLen);
+
+/* ZACert_CreateCertDecodeCtx: the same as ZACert_CreateCertEncodeCtx; destroyed with ZACert_DestroyCertDecodeCtx. */
 ZACERT_API uint32_t ZACert_CreateCertDecodeCtx(void **ctx);
 
 /* ZACert_DestroyCertEncodeCtx: releases a context and all it holds; NULL is accepted. Returns 0. */
@@ -77,6 +118,64 @@ ZACERT_API uint32_t ZACert_SetCertAttributeChar(void *ctx, int32_t type, const u
  */
 ZACERT_API uint32_t ZACert_GetCertAttributeChar(void *ctx, int32_t type, uint8_t *out,
                                                 uint32_t *outLen);
+
+/* ---- Encoding -------------------------------------------------------------------------------- */
+
+/*
+ * ZACert_SetCertSignFunc: the function that signs, NULL too, and a copy of the key octets it is
+ * handed. Without key octets (NULL, or a length of 0 or less) those of an earlier call stay. 100.
+ */
+ZACERT_API uint32_t ZACert_SetCertSignFunc(void *ctx, ZACertSignFunc func, const uint8_t *key,
+                                           int32_t keyLen);
+
+/*
+ * ZACert_EncodeCert: the certificate of a filled context. The first call encodes it and has it
+ * signed, see ZACertSignFunc; it is kept, and later calls give the same octets whatever is set
+ * meanwhile. A context that decoded a certificate gives that certificate. After a failure the
+ * context can be corrected and encoded again. Issuer and subject are each given either as DER or as
+ * entries, which are written in the order they were set.
+ *
+ * What issued certificates look like, for those who must please other tools:
+ * - The version is always there; set 2, since without it [0] INTEGER 0 is written, which many tools
+ *   refuse, above all in a certificate with extensions.
+ * - The parameters of signature algorithms are NULL, those of elliptic curves too.
+ * - Times from ZACert_SetCertAttributeInt are UTCTime. A time never set is a GeneralizedTime of two
+ *   year digits, which most tools refuse.
+ * - Basic constraints say FALSE where they are not critical; strict DER readers refuse that.
+ * - A key with explicit curve parameters, as decoding gives them, cannot be issued again through
+ *   attribute 3003: 108.
+ *
+ * 108: a name in both forms or in none, or a key that ZACERT_DecodeEccPubKey refuses; 115: a
+ * negative time; 119: no signing function; 107: it reports more than 10240 octets; 101: it reports
+ * none; its own result; those of ZI_EncodeCertIssuerSuject and ZI_EncodeGeneralNameS; 100.
+ */
+ZACERT_API uint32_t ZACert_EncodeCert(void *ctx, uint8_t *out, uint32_t *outLen);
+
+/*
+ * The encoders of parts write what ZACert_EncodeCert writes and hand out records that the caller
+ * releases with ZI_FreeAnybuf. The context is that of the certificate, also where the argument has
+ * another name.
+ */
+
+/* ZI_Cert_EncodeValidity: the Validity of the context's two times (RFC 5280, 4.1.2.5). */
+ZACERT_API uint32_t ZI_Cert_EncodeValidity(void *ctx, Anybuf **out);
+
+/*
+ * ZI_Cert_EncodeExtensions: the extensions inside [3], in this order: authority key identifier,
+ * subject key identifier, policies, issuer and subject alternative name, basic constraints, key
+ * usage, extended key usage, distribution points, authority information access, private ones. NULL
+ * when no setter changed one or none is set.
+ */
+ZACERT_API uint32_t ZI_Cert_EncodeExtensions(void *ctx, Anybuf **out);
+
+/* ZI_Cert_EncodeExtension_Private: the private extensions in order, one record each, or NULL. */
+ZACERT_API uint32_t ZI_Cert_EncodeExtension_Private(void *ctx, Anybuf **out);
+
+/*
+ * ZI_CERT_EncodeDiscriptList: the SEQUENCE OF AccessDescription (RFC 5280, 4.2.2.1) of attributes
+ * 136 and 137 of the context `descriptionList`; 30 00 when there are none.
+ */
+ZACERT_API uint32_t ZI_CERT_EncodeDiscriptList(void *descriptionList, Anybuf **out);
 
 /* ---- Decoding -------------------------------------------------------------------------------- */
 

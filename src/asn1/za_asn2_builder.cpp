@@ -146,4 +146,19 @@ Status Builder::finish(Octets &out) {
     return Status::ok;
 }
 
+Status Builder::finish(Chain &out) {
+    Octets der;
+    ZA_PASS(finish(der));
+    if (der.empty()) {
+        return Status::ok;
+    }
+    Chain record;
+    ZA_TRY(ZAsn1_Low_CreateAnyBuf, create_record(record));
+    record.head()->dataType = tag_of(*der.data());
+    record.head()->dataLen = to_u32(der.size());
+    record.head()->data = der.release();
+    out.append(std::move(record));
+    return Status::ok;
+}
+
 }  // namespace za::asn1

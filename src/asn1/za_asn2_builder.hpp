@@ -3,6 +3,7 @@
 #pragma once
 
 #include "asn1/za_asn2_header.hpp"
+#include "runtime/anybuf.hpp"
 #include "runtime/bytes.hpp"
 #include "runtime/status.hpp"
 
@@ -56,7 +57,13 @@ class Builder {
     // What was written so far; it moves with the next octet.
     Bytes bytes() const { return block_.bytes().first(size_); }
 
+    // Whether all so far found room, for whoever tells which part did not.
+    Status status() const { return status_; }
+
     Status finish(Octets &out);
+
+    // The same as a record of the interface; nothing written appends none.
+    Status finish(Chain &out);
 
   private:
     struct Open {

@@ -25,6 +25,13 @@ Status refuse_length(int32_t type) {
 
 }  // namespace
 
+Status za::cert::set_attribute(Certificate &cert, int32_t type, Bytes value) {
+    if (value.empty()) {
+        return refuse_length(type);
+    }
+    return attributes().set(trace, cert, type, value);
+}
+
 uint32_t ZACert_CreateCertEncodeCtx(void **ctx) {
     return trace.exported([&] { return za::create_context<Certificate>(trace, ctx); });
 }
@@ -69,8 +76,8 @@ uint32_t ZACert_SetCertAttributeChar(void *ctx, int32_t type, const uint8_t *val
             return refuse_length(type);
         }
         ZA_PASS(trace.need(value));
-        return za::cert::attributes().set(trace, *static_cast<Certificate *>(ctx), type,
-                                          Bytes(value, static_cast<size_t>(valueLen)));
+        return za::cert::set_attribute(*static_cast<Certificate *>(ctx), type,
+                                       Bytes(value, static_cast<size_t>(valueLen)));
     });
 }
 

@@ -8,4 +8,7 @@ namespace za::cert {
 
 const AttributeTable<Certificate> &attributes();
 
+// ZACert_SetCertAttributeChar
+Status set_attribute(Certificate &cert, int32_t type, Bytes value);
+
 }  // namespace za::cert

@@ -54,16 +54,22 @@ namespace {
 
 constexpr uint32_t kLastIntegerKind = 7;
 
-void write_key_parameters(const PublicKey &key, Builder &out) {
+Status write_key_parameters(const TraceSource &trace, const PublicKey &key, Builder &out) {
+    const Bytes parameters = key.parameters.bytes();
+    if (key.kind == kNamedCurve && !parameters.empty() && parameters[0] == ZA_DER_ID_SEQUENCE) {
+        // Explicit parameters, as a decoded key gives them: as an OID they would be a broken key.
+        return trace.fail(Status::general);
+    }
     if (key.kind == kExplicitCurve) {
-        out.raw(key.parameters.bytes());
+        out.raw(parameters);
     } else if (key.kind == kNamedCurve) {
-        out.object_id(key.parameters.bytes());
+        out.object_id(parameters);
     } else if (key.kind >= 1 && key.kind <= kLastIntegerKind) {
         out.integer(key.kind);
     } else {
         out.null();
     }
+    return Status::ok;
 }
 
 // An elliptic-curve key is held in a form of its own; certificates carry the uncompressed point.
@@ -86,10 +92,11 @@ Status write_key_bits(const TraceSource &trace, const PublicKey &key, Builder &o
 //     subjectPublicKey BIT STRING }
 Status write_public_key(const TraceSource &trace, const PublicKey &key, Builder &out) {
     return out.sequence([&] {
-        out.sequence([&] {
+        const Status algorithm = out.sequence([&] {
             out.object_id(key.algorithm.bytes());
-            write_key_parameters(key, out);
+            return write_key_parameters(trace, key, out);
         });
+        ZA_PASS(algorithm);
         return write_key_bits(trace, key, out);
     });
 }

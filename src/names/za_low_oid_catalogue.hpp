@@ -184,7 +184,8 @@ inline constexpr Oid kAuthorityKeyIdentifier = make("2.5.29.35");
 inline constexpr Oid kPolicyConstraints = make("2.5.29.36");
 inline constexpr Oid kExtKeyUsage = make("2.5.29.37");
 
-// PKIX: policy qualifiers, key purposes, access methods and OCSP
+// PKIX: an extension, policy qualifiers, key purposes, access methods and OCSP
+inline constexpr Oid kAuthorityInfoAccess = make("1.3.6.1.5.5.7.1.1");
 inline constexpr Oid kCps = make("1.3.6.1.5.5.7.2.1");
 inline constexpr Oid kUserNotice = make("1.3.6.1.5.5.7.2.2");
 inline constexpr Oid kKeyPurpose = make("1.3.6.1.5.5.7.3");
