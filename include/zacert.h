@@ -39,5 +39,6 @@
 #include <zacert/names.h>
 #include <zacert/runtime.h>
 #include <zacert/text.h>
+#include <zacert/verify.h>
 
 #endif
