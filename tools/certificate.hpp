@@ -141,10 +141,48 @@ struct NameConstraints {
     std::vector<Subtree> excluded;
 };
 
-using ExtensionValue = std::variant<Opaque, BasicConstraints, KeyUsage, Purposes, KeyIdentifier,
-                                    AuthorityKeyIdentifier, AlternativeNames, DistributionPoints,
-                                    AccessDescriptions, Policies, PolicyMappings, PolicyConstraints,
-                                    InhibitAnyPolicy, NameConstraints, Text>;
+// A CRL's number, or that of the list a delta CRL builds upon.
+struct CrlNumber {
+    Integer number;
+};
+
+struct IssuingDistributionPoint {
+    DistributionPoint point;  // without an issuer
+    bool only_user_certificates = false;
+    bool only_ca_certificates = false;
+    bool only_attribute_certificates = false;
+    bool indirect = false;
+};
+
+struct Reason {
+    std::string name;
+};
+
+struct Instant {
+    std::chrono::sys_seconds time;
+};
+
+struct Identifier {
+    NamedId id;
+};
+
+// The numbers of a person's papers, in the order of the SET.
+struct IdentityNumber {
+    std::string title;
+    std::string member;  // of the JSON
+    Text value;
+};
+
+struct IdentityNumbers {
+    std::vector<IdentityNumber> numbers;
+};
+
+using ExtensionValue =
+    std::variant<Opaque, BasicConstraints, KeyUsage, Purposes, KeyIdentifier,
+                 AuthorityKeyIdentifier, AlternativeNames, DistributionPoints, AccessDescriptions,
+                 Policies, PolicyMappings, PolicyConstraints, InhibitAnyPolicy, NameConstraints,
+                 CrlNumber, IssuingDistributionPoint, Reason, Instant, Identifier, IdentityNumbers,
+                 Text>;
 
 struct Extension {
     NamedId id;

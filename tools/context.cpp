@@ -4,13 +4,6 @@
 
 namespace tool {
 
-Context::Context(View der) {
-    void *context = nullptr;
-    check(ZACert_CreateCertDecodeCtx(&context));
-    context_.reset(context);
-    check(ZACert_DecodeCert(context, der.data(), static_cast<uint32_t>(der.size())));
-}
-
 Octets Context::octets(ZA_CertAttribute type) const {
     return fetched([&](uint8_t *out, uint32_t *length) {
         return ZACert_GetCertAttributeChar(context_.get(), type, out, length);

@@ -1,8 +1,9 @@
-// The library's certificate context as a value.
+// The library's contexts as values.
 #pragma once
 
 #include <zacert.h>
 
+#include "failure.hpp"
 #include "octets.hpp"
 
 #include <memory>
@@ -11,16 +12,37 @@
 
 namespace tool {
 
+// A context that has decoded one object and destroys itself. The octets must be the whole object that
+// their header announces.
+template <auto kCreate, auto kDecode, auto kDestroy>
+class Decoded {
+  public:
+    explicit Decoded(View der) {
+        void *context = nullptr;
+        check(kCreate(&context));
+        context_.reset(context);
+        check(kDecode(context, der.data(), static_cast<uint32_t>(der.size())));
+    }
+
+    void *get() const { return context_.get(); }
+
+  private:
+    struct Destroy {
+        void operator()(void *context) const { kDestroy(context); }
+    };
+    std::unique_ptr<void, Destroy> context_;
+};
+
 struct RawExtension {
     std::string oid;
     bool critical = false;
     Octets octets;  // content of the OCTET STRING
 };
 
+// Of a certificate.
 class Context {
   public:
-    // The octets must be the whole certificate that their header announces.
-    explicit Context(View der);
+    explicit Context(View der) : context_(der) {}
 
     Octets octets(ZA_CertAttribute type) const;
     uint32_t number(ZA_CertAttribute type) const;
@@ -31,10 +53,7 @@ class Context {
   private:
     RawExtension private_extension(uint32_t index) const;
 
-    struct Destroy {
-        void operator()(void *context) const { ZACert_DestroyCertDecodeCtx(context); }
-    };
-    std::unique_ptr<void, Destroy> context_;
+    Decoded<ZACert_CreateCertDecodeCtx, ZACert_DecodeCert, ZACert_DestroyCertDecodeCtx> context_;
 };
 
 }  // namespace tool

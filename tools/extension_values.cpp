@@ -49,16 +49,10 @@ DistributionPoint read_distribution_point(const Anybuf &element) {
     DistributionPoint point;
     Fields fields = fields_of(element);
     if (const Anybuf *name = fields.optional(constructed(0))) {
-        // CHOICE { fullName [0] GeneralNames, nameRelativeToCRLIssuer [1] RDN }
-        Fields choice(tagged(*name));
-        if (const Anybuf *full = choice.optional(constructed(0))) {
-            point.full_name = read_general_names(tagged(*full));
-        } else {
-            point.relative_name = read_rdn(tagged(choice.required(constructed(1))));
-        }
+        read_point_name(*name, point);
     }
     if (const Anybuf *reasons = fields.optional(primitive(1))) {
-        point.reasons = names_of_bits(bits(content(*reasons)), kReasons);
+        point.reasons = names_of_reasons(bits(content(*reasons)));
     }
     if (const Anybuf *issuer = fields.optional(constructed(2))) {
         point.crl_issuer = read_general_names(tagged(*issuer));
@@ -132,35 +126,52 @@ std::vector<Subtree> read_subtrees(const Anybuf *element) {
 
 }  // namespace
 
-ExtensionValue read_subject_key_identifier(const ExtensionSource &source) {
-    return KeyIdentifier{source.context.octets(CERTEX_SUBJECTKEYIDENTIFIER)};
-}
-
-ExtensionValue read_key_usage(const ExtensionSource &source) {
-    return KeyUsage{names_of_bits(source.context.octets(CERTEX_KEYUSAGE), kUsages)};
-}
-
-ExtensionValue read_basic_constraints(const ExtensionSource &source) {
-    BasicConstraints value;
-    const Octets ca = source.context.octets(CERTEX_AUTHORITY);
-    value.ca = !ca.empty() && ca.front() != 0;
-    Octets path_length = source.context.octets(CERTEX_PATHLENCONSTRAINT);
-    if (!path_length.empty()) {
-        // The getter gives the number without the zero octet that keeps it positive.
-        path_length.insert(path_length.begin(), 0);
-        value.path_length = number(path_length);
+void read_point_name(const Anybuf &element, DistributionPoint &out) {
+    // CHOICE { fullName [0] GeneralNames, nameRelativeToCRLIssuer [1] RDN }
+    Fields choice(tagged(element));
+    if (const Anybuf *full = choice.optional(constructed(0))) {
+        out.full_name = read_general_names(tagged(*full));
+    } else {
+        out.relative_name = read_rdn(tagged(choice.required(constructed(1))));
     }
+}
+
+std::vector<std::string> names_of_usages(View bits) {
+    return names_of_bits(bits, kUsages);
+}
+
+std::vector<std::string> names_of_reasons(View bits) {
+    return names_of_bits(bits, kReasons);
+}
+
+ExtensionValue read_subject_key_identifier(View octets) {
+    return KeyIdentifier{content(expect(record_of(octets), ZA_DER_ID_OCTETSTRING))};
+}
+
+ExtensionValue read_key_usage(View octets) {
+    return KeyUsage{names_of_usages(bits(content(expect(record_of(octets), ZA_DER_ID_BITSTRING))))};
+}
+
+ExtensionValue read_basic_constraints(View octets) {
+    // BasicConstraints ::= SEQUENCE { cA BOOLEAN DEFAULT FALSE,
+    //     pathLenConstraint INTEGER OPTIONAL }
+    BasicConstraints value;
+    Fields fields = fields_of(record_of(octets));
+    if (const Anybuf *ca = fields.optional(ZA_DER_ID_BOOLEAN)) {
+        value.ca = boolean(*ca);
+    }
+    value.path_length = optional_number(fields.optional(ZA_DER_ID_INTEGER));
     return value;
 }
 
-ExtensionValue read_authority_key_identifier(const ExtensionSource &source) {
-    // AuthorityKeyIdentifier ::= SEQUENCE { keyIdentifier [0], authorityCertIssuer [1]
-    // GeneralNames,
-    //                                       authorityCertSerialNumber [2] INTEGER }
+ExtensionValue read_authority_key_identifier(View octets) {
+    // AuthorityKeyIdentifier ::= SEQUENCE { keyIdentifier [0],
+    //     authorityCertIssuer [1] GeneralNames, authorityCertSerialNumber [2] INTEGER }
     AuthorityKeyIdentifier value;
-    value.key_id = source.context.octets(CERTEX_AUTHORITYKEYIDENTIFIER);
-    Fields fields = fields_of(record_of(source.octets));
-    fields.optional(primitive(0));
+    Fields fields = fields_of(record_of(octets));
+    if (const Anybuf *key_id = fields.optional(primitive(0))) {
+        value.key_id = content(*key_id);
+    }
     if (const Anybuf *issuer = fields.optional(constructed(1))) {
         value.issuer = read_general_names(tagged(*issuer));
     }
@@ -170,29 +181,29 @@ ExtensionValue read_authority_key_identifier(const ExtensionSource &source) {
     return value;
 }
 
-ExtensionValue read_purposes(const ExtensionSource &source) {
+ExtensionValue read_purposes(View octets) {
     Purposes value;
-    for (const Anybuf &purpose : sequence(record_of(source.octets))) {
+    for (const Anybuf &purpose : sequence(record_of(octets))) {
         value.purposes.push_back(named(object_id(purpose)));
     }
     return value;
 }
 
-ExtensionValue read_alternative_names(const ExtensionSource &source) {
-    return AlternativeNames{read_general_names(sequence(record_of(source.octets)))};
+ExtensionValue read_alternative_names(View octets) {
+    return AlternativeNames{read_general_names(sequence(record_of(octets)))};
 }
 
-ExtensionValue read_distribution_points(const ExtensionSource &source) {
+ExtensionValue read_distribution_points(View octets) {
     DistributionPoints value;
-    for (const Anybuf &point : sequence(record_of(source.octets))) {
+    for (const Anybuf &point : sequence(record_of(octets))) {
         value.points.push_back(read_distribution_point(point));
     }
     return value;
 }
 
-ExtensionValue read_access_descriptions(const ExtensionSource &source) {
+ExtensionValue read_access_descriptions(View octets) {
     AccessDescriptions value;
-    for (const Anybuf &entry : sequence(record_of(source.octets))) {
+    for (const Anybuf &entry : sequence(record_of(octets))) {
         // AccessDescription ::= SEQUENCE { accessMethod, accessLocation GeneralName }
         Fields fields = fields_of(entry);
         NamedId method = named(object_id(fields.next()));
@@ -201,17 +212,17 @@ ExtensionValue read_access_descriptions(const ExtensionSource &source) {
     return value;
 }
 
-ExtensionValue read_policies(const ExtensionSource &source) {
+ExtensionValue read_policies(View octets) {
     Policies value;
-    for (const Anybuf &policy : sequence(record_of(source.octets))) {
+    for (const Anybuf &policy : sequence(record_of(octets))) {
         value.policies.push_back(read_policy(policy));
     }
     return value;
 }
 
-ExtensionValue read_policy_mappings(const ExtensionSource &source) {
+ExtensionValue read_policy_mappings(View octets) {
     PolicyMappings value;
-    for (const Anybuf &entry : sequence(record_of(source.octets))) {
+    for (const Anybuf &entry : sequence(record_of(octets))) {
         // SEQUENCE { issuerDomainPolicy, subjectDomainPolicy }
         Fields fields = fields_of(entry);
         NamedId issuer = named(object_id(fields.next()));
@@ -220,34 +231,34 @@ ExtensionValue read_policy_mappings(const ExtensionSource &source) {
     return value;
 }
 
-ExtensionValue read_policy_constraints(const ExtensionSource &source) {
+ExtensionValue read_policy_constraints(View octets) {
     // PolicyConstraints ::= SEQUENCE { requireExplicitPolicy [0], inhibitPolicyMapping [1] }
-    Fields fields = fields_of(record_of(source.octets));
+    Fields fields = fields_of(record_of(octets));
     PolicyConstraints value;
     value.require_explicit_policy = optional_number(fields.optional(primitive(0)));
     value.inhibit_policy_mapping = optional_number(fields.optional(primitive(1)));
     return value;
 }
 
-ExtensionValue read_inhibit_any_policy(const ExtensionSource &source) {
-    const Anybuf record = record_of(source.octets);
+ExtensionValue read_inhibit_any_policy(View octets) {
+    const Anybuf record = record_of(octets);
     return InhibitAnyPolicy{number(content(expect(record, ZA_DER_ID_INTEGER)))};
 }
 
-ExtensionValue read_name_constraints(const ExtensionSource &source) {
+ExtensionValue read_name_constraints(View octets) {
     // NameConstraints ::= SEQUENCE { permittedSubtrees [0], excludedSubtrees [1] }
-    Fields fields = fields_of(record_of(source.octets));
+    Fields fields = fields_of(record_of(octets));
     NameConstraints value;
     value.permitted = read_subtrees(fields.optional(constructed(0)));
     value.excluded = read_subtrees(fields.optional(constructed(1)));
     return value;
 }
 
-ExtensionValue read_string(const ExtensionSource &source) {
-    return read_text(record_of(source.octets));
+ExtensionValue read_string(View octets) {
+    return read_text(record_of(octets));
 }
 
-ExtensionValue read_nothing(const ExtensionSource &) {
+ExtensionValue read_nothing(View) {
     return Opaque{};
 }
 

@@ -1,6 +1,8 @@
 #include "extensions.hpp"
 
 #include "der.hpp"
+#include "elements.hpp"
+#include "extension_kinds.hpp"
 #include "extension_values.hpp"
 
 #include <algorithm>
@@ -10,101 +12,96 @@ namespace tool {
 
 namespace {
 
-struct Kind {
+// The library decodes these in certificates and lists all others as private. Where it has an
+// attribute for all of the value, it is asked.
+struct OwnAttribute {
     std::string_view oid;
-    std::string_view name;  // as the standards write it
-    std::string_view title;
-    std::string_view short_code;
-    ExtensionValue (*read)(const ExtensionSource &);
+    ExtensionValue (*read)(const Context &context, View octets);
 };
 
-constexpr auto kKinds = std::to_array<Kind>({
-    // The first eight have attributes of their own in the library; it lists all others as private.
-    {"2.5.29.14", "subjectKeyIdentifier", "Subject key identifier", "SKI",
-     read_subject_key_identifier},
-    {"2.5.29.15", "keyUsage", "Key usage", "KU", read_key_usage},
-    {"2.5.29.17", "subjectAltName", "Subject alternative name", "SAN", read_alternative_names},
-    {"2.5.29.18", "issuerAltName", "Issuer alternative name", "IAN", read_alternative_names},
-    {"2.5.29.19", "basicConstraints", "Basic constraints", "BC", read_basic_constraints},
-    {"2.5.29.31", "cRLDistributionPoints", "CRL distribution points", "CDP",
-     read_distribution_points},
-    {"2.5.29.35", "authorityKeyIdentifier", "Authority key identifier", "AKI",
-     read_authority_key_identifier},
-    {"2.5.29.37", "extKeyUsage", "Extended key usage", "EKU", read_purposes},
+ExtensionValue subject_key_identifier_of(const Context &context, View) {
+    return KeyIdentifier{context.octets(CERTEX_SUBJECTKEYIDENTIFIER)};
+}
 
-    {"2.5.29.9", "subjectDirectoryAttributes", "Subject directory attributes", "SDA", read_nothing},
-    {"2.5.29.16", "privateKeyUsagePeriod", "Private key usage period", "PKUP", read_nothing},
-    {"2.5.29.30", "nameConstraints", "Name constraints", "NC", read_name_constraints},
-    {"2.5.29.32", "certificatePolicies", "Certificate policies", "CP", read_policies},
-    {"2.5.29.33", "policyMappings", "Policy mappings", "PM", read_policy_mappings},
-    {"2.5.29.36", "policyConstraints", "Policy constraints", "PC", read_policy_constraints},
-    {"2.5.29.46", "freshestCRL", "Freshest CRL", "FCRL", read_distribution_points},
-    {"2.5.29.54", "inhibitAnyPolicy", "Inhibit any policy", "IAP", read_inhibit_any_policy},
-    {"1.3.6.1.5.5.7.1.1", "authorityInfoAccess", "Authority information access", "AIA",
-     read_access_descriptions},
-    {"1.3.6.1.5.5.7.1.3", "qcStatements", "Qualified certificate statements", "QC", read_nothing},
-    {"1.3.6.1.5.5.7.1.11", "subjectInfoAccess", "Subject information access", "SIA",
-     read_access_descriptions},
-    {"1.3.6.1.5.5.7.1.12", "logotype", "Logotype", "LOGO", read_nothing},
-    {"1.3.6.1.5.5.7.1.24", "tlsFeature", "TLS feature", "TLSF", read_nothing},
-    {"1.3.6.1.5.5.7.48.1.5", "ocspNoCheck", "OCSP no check", "ONC", read_nothing},
-    {"1.3.6.1.4.1.11129.2.4.2", "signedCertificateTimestampList", "Signed certificate timestamps",
-     "SCT", read_nothing},
-    {"1.3.6.1.4.1.11129.2.4.3", "precertificatePoison", "Precertificate poison", "CTP",
-     read_nothing},
-    {"1.3.6.1.4.1.311.20.2", "enrollCertType", "Enrolment certificate type", "MSCT", read_string},
-    {"1.3.6.1.4.1.311.21.1", "caVersion", "CA version", "MSCV", read_nothing},
-    {"1.3.6.1.4.1.311.21.2", "previousCaCertHash", "Previous CA certificate hash", "MSPC",
-     read_nothing},
-    {"1.2.840.113533.7.65.0", "versionInfo", "Version information", "VI", read_nothing},
-    {"2.16.840.1.113730.1.1", "netscapeCertType", "Netscape certificate type", "NCT", read_nothing},
-    {"2.16.840.1.113730.1.13", "netscapeComment", "Netscape comment", "NCOM", read_string},
+ExtensionValue key_usage_of(const Context &context, View) {
+    return KeyUsage{names_of_usages(context.octets(CERTEX_KEYUSAGE))};
+}
+
+ExtensionValue basic_constraints_of(const Context &context, View) {
+    BasicConstraints value;
+    const Octets ca = context.octets(CERTEX_AUTHORITY);
+    value.ca = !ca.empty() && ca.front() != 0;
+    Octets path_length = context.octets(CERTEX_PATHLENCONSTRAINT);
+    if (!path_length.empty()) {
+        // The getter gives the number without the zero octet that keeps it positive.
+        path_length.insert(path_length.begin(), 0);
+        value.path_length = number(path_length);
+    }
+    return value;
+}
+
+ExtensionValue authority_key_identifier_of(const Context &context, View octets) {
+    ExtensionValue value = read_authority_key_identifier(octets);
+    std::get<AuthorityKeyIdentifier>(value).key_id = context.octets(CERTEX_AUTHORITYKEYIDENTIFIER);
+    return value;
+}
+
+constexpr auto kOwnAttributes = std::to_array<OwnAttribute>({
+    {"2.5.29.14", subject_key_identifier_of},
+    {"2.5.29.15", key_usage_of},
+    {"2.5.29.17", nullptr},
+    {"2.5.29.18", nullptr},
+    {"2.5.29.19", basic_constraints_of},
+    {"2.5.29.31", nullptr},
+    {"2.5.29.35", authority_key_identifier_of},
+    {"2.5.29.37", nullptr},
 });
 
-constexpr size_t kNumOwnAttributes = 8;
-
-const Kind *find_kind(std::string_view oid) {
-    const auto kind = std::find_if(kKinds.begin(), kKinds.end(),
-                                   [oid](const Kind &row) { return row.oid == oid; });
-    return kind == kKinds.end() ? nullptr : &*kind;
+const OwnAttribute *find_own_attribute(std::string_view oid) {
+    const auto *row = std::find_if(kOwnAttributes.begin(), kOwnAttributes.end(),
+                                   [oid](const OwnAttribute &r) { return r.oid == oid; });
+    return row == kOwnAttributes.end() ? nullptr : row;
 }
 
-bool has_own_attribute(const Kind *kind) {
-    return kind != nullptr && kind < kKinds.data() + kNumOwnAttributes;
-}
-
-RawExtension read_raw(const Anybuf &element) {
+RawExtension read_raw(const Element &element) {
     // Extension ::= SEQUENCE { extnID, critical BOOLEAN DEFAULT FALSE, extnValue OCTET STRING }
-    Fields fields(sequence(element));
+    Elements fields(element.content);
     RawExtension extension;
-    extension.oid = object_id(fields.next());
-    if (const Anybuf *critical = fields.optional(ZA_DER_ID_BOOLEAN)) {
-        extension.critical = boolean(*critical);
+    extension.oid = object_id_text(fields.required(ZA_DER_ID_OBJECTID).content);
+    if (const auto critical = fields.optional(ZA_DER_ID_BOOLEAN)) {
+        extension.critical = !critical->content.empty() && critical->content.front() != 0;
     }
-    extension.octets = content(fields.required(ZA_DER_ID_OCTETSTRING));
+    const View octets = fields.required(ZA_DER_ID_OCTETSTRING).content;
+    extension.octets.assign(octets.begin(), octets.end());
     return extension;
 }
 
-// All extensions in their order; those of the private list as the library keeps them.
-std::vector<RawExtension> raw_extensions(const Context &context, const Anybuf &wrapper) {
+std::vector<RawExtension> raw_extensions(View list) {
+    std::vector<RawExtension> extensions;
+    Elements elements(only_element(list, ZA_DER_ID_SEQUENCE).content);
+    while (!elements.at_end()) {
+        extensions.push_back(read_raw(elements.required(ZA_DER_ID_SEQUENCE)));
+    }
+    return extensions;
+}
+
+// Those of the private list as the library keeps them.
+std::vector<RawExtension> raw_extensions(const Context &context, View list) {
     std::vector<RawExtension> listed = context.private_extensions();
     auto next_listed = listed.begin();
-    std::vector<RawExtension> extensions;
-    const Octets inner = content(wrapper);
-    for (const Anybuf &element : sequence(record_of(inner))) {
-        RawExtension extension = read_raw(element);
-        if (!has_own_attribute(find_kind(extension.oid))) {
+    std::vector<RawExtension> extensions = raw_extensions(list);
+    for (RawExtension &extension : extensions) {
+        if (find_own_attribute(extension.oid) == nullptr) {
             if (next_listed == listed.end() || next_listed->oid != extension.oid) {
                 throw LibraryError(ZACERT_InvalidItem);
             }
             extension = std::move(*next_listed++);
         }
-        extensions.push_back(std::move(extension));
     }
     return extensions;
 }
 
-Extension undecoded(RawExtension raw, const Kind *kind) {
+Extension undecoded(RawExtension raw, const ExtensionKind *kind) {
     Extension extension;
     extension.id.oid = std::move(raw.oid);
     extension.critical = raw.critical;
@@ -117,12 +114,9 @@ Extension undecoded(RawExtension raw, const Kind *kind) {
     return extension;
 }
 
-void decode(const Context &context, const Kind &kind, Extension &extension) {
-    try {
-        extension.value = kind.read({context, extension.octets});
-    } catch (const LibraryError &error) {
-        extension.problem = error.what();
-    }
+ExtensionValue read_value(const Context *context, const ExtensionKind &kind, View octets) {
+    const OwnAttribute *own = context == nullptr ? nullptr : find_own_attribute(kind.oid);
+    return own != nullptr && own->read != nullptr ? own->read(*context, octets) : kind.read(octets);
 }
 
 bool contains(const std::vector<Extension> &extensions, std::string_view oid) {
@@ -130,21 +124,33 @@ bool contains(const std::vector<Extension> &extensions, std::string_view oid) {
                        [oid](const Extension &extension) { return extension.id.oid == oid; });
 }
 
-}  // namespace
-
-std::vector<Extension> read_extensions(const Context &context, const Anybuf &wrapper) {
+std::vector<Extension> decoded(const Context *context, std::vector<RawExtension> raw_extensions) {
     std::vector<Extension> extensions;
-    for (RawExtension &raw : raw_extensions(context, wrapper)) {
-        const Kind *kind = find_kind(raw.oid);
+    for (RawExtension &raw : raw_extensions) {
+        const ExtensionKind *kind = find_extension_kind(raw.oid);
         Extension extension = undecoded(std::move(raw), kind);
         if (contains(extensions, extension.id.oid)) {
             extension.problem = "the extension is there twice";
         } else if (kind != nullptr) {
-            decode(context, *kind, extension);
+            try {
+                extension.value = read_value(context, *kind, extension.octets);
+            } catch (const LibraryError &error) {
+                extension.problem = error.what();
+            }
         }
         extensions.push_back(std::move(extension));
     }
     return extensions;
+}
+
+}  // namespace
+
+std::vector<Extension> read_extensions(const Context &context, const Anybuf &wrapper) {
+    return decoded(&context, raw_extensions(context, content(wrapper)));
+}
+
+std::vector<Extension> read_extensions(View list) {
+    return decoded(nullptr, raw_extensions(list));
 }
 
 }  // namespace tool

@@ -11,29 +11,46 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <sys/stat.h>
 
 namespace tool {
 
 namespace {
 
-constexpr size_t kMaxFile = size_t{64} * 1024 * 1024;
+constexpr size_t kMaxFile = size_t{256} * 1024 * 1024;
 constexpr size_t kMaxHeader = 11;
 
 struct Close {
     void operator()(FILE *file) const { static_cast<void>(std::fclose(file)); }
 };
 
+std::string expected(ObjectKind kind, std::string_view problem) {
+    return "expected " + std::string(noun(kind)) + ": " + std::string(problem);
+}
+
+Failure system_failure() {
+    return Failure(expected(ObjectKind::unknown, std::strerror(errno)));
+}
+
+// The size of a regular file, so that large ones are read into one block; 0 for what has no size.
+size_t size_of(FILE *file) {
+    struct stat status {};
+    const bool regular = fstat(fileno(file), &status) == 0 && S_ISREG(status.st_mode);
+    return regular ? std::min(static_cast<size_t>(status.st_size), kMaxFile) : 0;
+}
+
 Octets read_all(FILE *file) {
     Octets octets;
+    octets.reserve(size_of(file));
     std::array<uint8_t, 65536> buffer{};
     while (const size_t count = std::fread(buffer.data(), 1, buffer.size(), file)) {
         octets.insert(octets.end(), buffer.begin(), buffer.begin() + count);
         if (octets.size() > kMaxFile) {
-            throw Failure("expected at most 64 MiB");
+            throw Failure("expected at most 256 MiB");
         }
     }
     if (std::ferror(file) != 0) {
-        throw Failure(std::string("expected a certificate: ") + std::strerror(errno));
+        throw system_failure();
     }
     return octets;
 }
@@ -49,50 +66,53 @@ uint32_t announced_length(View element) {
 
 enum class Trailer { forbidden, allowed };
 
-std::string sizes(size_t announced, size_t held) {
-    return "expected a certificate of " + std::to_string(announced) + " octets, found " +
-           std::to_string(held) + ": ";
+std::string sizes(ObjectKind kind, size_t announced, size_t held) {
+    return "expected " + std::string(noun(kind)) + " of " + std::to_string(announced) +
+           " octets, found " + std::to_string(held) + ": " +
+           LibraryError(ZACERT_LengthNotEqualErr).what();
 }
 
-Candidate measured(Octets octets, Trailer trailer) {
+// What is wrong with the size of the element; nothing when it is there whole.
+std::string size_problem(ObjectKind kind, View octets, Trailer trailer) {
     try {
         if (octets.empty() || octets.front() != ZA_DER_ID_SEQUENCE) {
             throw LibraryError(ZACERT_TagErr);
         }
         const uint32_t length = announced_length(octets);
-        if (length > octets.size() || (length < octets.size() && trailer == Trailer::forbidden)) {
-            return {{},
-                    sizes(length, octets.size()) + LibraryError(ZACERT_LengthNotEqualErr).what()};
-        }
-        octets.resize(length);
-        return {std::move(octets), {}};
+        const bool cut = length > octets.size();
+        const bool more = length < octets.size() && trailer == Trailer::forbidden;
+        return cut || more ? sizes(kind, length, octets.size()) : "";
     } catch (const LibraryError &error) {
-        return {{}, std::string("expected a certificate: ") + error.what()};
+        return expected(kind, error.what());
     }
-}
-
-bool is_certificate_label(std::string_view label) {
-    return label == "CERTIFICATE" || label == "X509 CERTIFICATE" || label == "TRUSTED CERTIFICATE";
 }
 
 Candidate candidate_of(PemBlock block) {
-    if (!block.problem.empty()) {
-        return {{}, "expected a certificate: " + block.problem};
-    }
+    Candidate candidate;
+    candidate.kind = kind_of_label(block.label);
     // A trusted certificate carries settings of its owner behind it.
     const bool trusted = block.label == "TRUSTED CERTIFICATE";
-    return measured(std::move(block.octets), trusted ? Trailer::allowed : Trailer::forbidden);
+    candidate.problem = block.problem.empty()
+                            ? size_problem(candidate.kind, block.octets,
+                                           trusted ? Trailer::allowed : Trailer::forbidden)
+                            : expected(candidate.kind, block.problem);
+    if (candidate.problem.empty()) {
+        block.octets.resize(announced_length(block.octets));
+        candidate.der = std::move(block.octets);
+    }
+    return candidate;
 }
 
-std::vector<Candidate> certificates_in_pem(std::vector<PemBlock> blocks) {
+std::vector<Candidate> objects_in_pem(std::vector<PemBlock> blocks) {
     std::vector<Candidate> candidates;
     for (PemBlock &block : blocks) {
-        if (is_certificate_label(block.label)) {
+        if (kind_of_label(block.label) != ObjectKind::unknown) {
             candidates.push_back(candidate_of(std::move(block)));
         }
     }
     if (candidates.empty()) {
-        throw Failure("expected a PEM block CERTIFICATE, found " + blocks.front().label);
+        throw Failure("expected a PEM block CERTIFICATE, X509 CRL or CERTIFICATE REQUEST, found " +
+                      blocks.front().label);
     }
     return candidates;
 }
@@ -105,29 +125,34 @@ Octets read_file(const std::string &path) {
     }
     const std::unique_ptr<FILE, Close> file(std::fopen(path.c_str(), "rbe"));
     if (file == nullptr) {
-        throw Failure(std::string("expected a certificate: ") + std::strerror(errno));
+        throw system_failure();
     }
     return read_all(file.get());
 }
 
-std::vector<Candidate> certificates_in(Octets file) {
+std::vector<Candidate> objects_in(Octets file) {
     if (file.empty()) {
-        throw Failure("expected a certificate: the file is empty");
+        throw Failure(expected(ObjectKind::unknown, "the file is empty"));
     }
-    std::vector<PemBlock> blocks;
+    Candidate der;
+    der.kind = kind_of_der(file);
+    der.problem = size_problem(der.kind, file, Trailer::forbidden);
     // Text may begin with the digit zero, which is the identifier of a SEQUENCE.
-    Candidate der = measured(file, Trailer::forbidden);
     if (!der.problem.empty()) {
-        blocks = pem_blocks({reinterpret_cast<const char *>(file.data()), file.size()});
-    }
-    if (!blocks.empty()) {
-        return certificates_in_pem(std::move(blocks));
+        std::vector<PemBlock> blocks =
+            pem_blocks({reinterpret_cast<const char *>(file.data()), file.size()});
+        if (!blocks.empty()) {
+            return objects_in_pem(std::move(blocks));
+        }
     }
     if (file.front() != ZA_DER_ID_SEQUENCE) {
-        throw Failure(std::string("expected a certificate in DER or PEM: ") +
-                      LibraryError(ZACERT_TagErr).what());
+        throw Failure("expected " + std::string(noun(ObjectKind::unknown)) +
+                      " in DER or PEM: " + LibraryError(ZACERT_TagErr).what());
     }
-    return {std::move(der)};
+    der.der = std::move(file);
+    std::vector<Candidate> candidates;
+    candidates.push_back(std::move(der));
+    return candidates;
 }
 
 }  // namespace tool

@@ -1,6 +1,7 @@
-// Files and the certificates in them.
+// Files and the objects in them.
 #pragma once
 
+#include "kind.hpp"
 #include "octets.hpp"
 
 #include <string>
@@ -11,14 +12,15 @@ namespace tool {
 // The whole file, or standard input for "-". Throws Failure.
 Octets read_file(const std::string &path);
 
-// One certificate to be decoded, or why there is none.
+// One object to be decoded, or why there is none.
 struct Candidate {
+    ObjectKind kind = ObjectKind::unknown;
     Octets der;
     std::string problem;  // empty when `der` holds exactly one element
 };
 
-// A DER file is one certificate, a PEM file as many as it has blocks. Throws Failure when the file
-// is neither.
-std::vector<Candidate> certificates_in(Octets file);
+// A DER file is one object, a PEM file as many as it has blocks of kinds the tool shows. Throws
+// Failure when the file is neither.
+std::vector<Candidate> objects_in(Octets file);
 
 }  // namespace tool

@@ -1,8 +1,11 @@
-// Certificates for programs to read; docs/zacert-show.md describes the members.
+// Objects for programs to read; docs/zacert-show.md describes the members.
 #pragma once
 
 #include "certificate.hpp"
+#include "crl.hpp"
+#include "request.hpp"
 
+#include <chrono>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
@@ -12,11 +15,20 @@ namespace tool {
 using Json = nlohmann::ordered_json;
 
 Json certificate_json(const Certificate &certificate);
+Json request_json(const Request &request);
+Json crl_json(const Crl &crl);  // without its entries
+Json entry_json(const RevokedEntry &entry);
 
-// Indented text, every character that steers a terminal escaped.
-std::string json_text(const Json &json);
+// Text with every character that steers a terminal escaped: in indented lines, or in one.
+enum class Layout { lines, one_line };
+std::string json_text(const Json &json, Layout layout);
 
-// Shared with the extensions.
+// Shared by several kinds of objects.
+Json file_json(const std::string &path);
+std::string instant_json(std::chrono::sys_seconds time);
+Json key_json(const PublicKey &key);
+Json extensions_json(const std::vector<Extension> &extensions);
+Json text_json(const Text &text);
 Json identifier_json(const NamedId &id);
 Json rdn_json(const Rdn &rdn);
 Json name_json(const Name &name);

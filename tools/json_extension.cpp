@@ -47,13 +47,6 @@ Json point_json(const DistributionPoint &point) {
     return json;
 }
 
-Json text_json(const Text &text) {
-    Json json = Json::object();
-    add_text("value", text, json);
-    json["string_type"] = text.type;
-    return json;
-}
-
 Json qualifier_json(const PolicyQualifier &qualifier) {
     Json json = identifier_json(qualifier.id);
     if (!qualifier.cps.type.empty()) {
@@ -130,8 +123,10 @@ struct Writer {
     }
 
     void operator()(const AlternativeNames &value) const {
-        const bool subject = extension.id.name == "subjectAltName";
-        out[subject ? "subject_alt_name" : "issuer_alt_name"] = general_names_json(value.names);
+        const std::string &name = extension.id.name;
+        out[name == "subjectAltName"  ? "subject_alt_name"
+            : name == "issuerAltName" ? "issuer_alt_name"
+                                      : "certificate_issuer"] = general_names_json(value.names);
     }
 
     void operator()(const DistributionPoints &value) const {
@@ -191,6 +186,36 @@ struct Writer {
     void operator()(const NameConstraints &value) const {
         out["name_constraints"] = {{"permitted", subtrees_json(value.permitted)},
                                    {"excluded", subtrees_json(value.excluded)}};
+    }
+
+    void operator()(const CrlNumber &value) const {
+        const bool base = extension.id.name == "deltaCRLIndicator";
+        out[base ? "base_crl_number" : "crl_number"] = value.number.hex();
+    }
+
+    void operator()(const IssuingDistributionPoint &value) const {
+        Json json = point_json(value.point);
+        json["only_user_certificates"] = value.only_user_certificates;
+        json["only_ca_certificates"] = value.only_ca_certificates;
+        json["only_attribute_certificates"] = value.only_attribute_certificates;
+        json["indirect"] = value.indirect;
+        out["issuing_distribution_point"] = std::move(json);
+    }
+
+    void operator()(const Reason &value) const { out["reason"] = value.name; }
+
+    void operator()(const Instant &value) const { out["time"] = instant_json(value.time); }
+
+    void operator()(const Identifier &value) const {
+        out["identifier"] = identifier_json(value.id);
+    }
+
+    void operator()(const IdentityNumbers &value) const {
+        Json json = Json::object();
+        for (const IdentityNumber &number : value.numbers) {
+            json[number.member] = text_json(number.value);
+        }
+        out["identity_numbers"] = std::move(json);
     }
 
     void operator()(const Text &value) const { out["text"] = text_json(value); }

@@ -1,5 +1,7 @@
 #include "pem.hpp"
 
+#include <array>
+
 namespace tool {
 
 namespace {
@@ -7,6 +9,17 @@ namespace {
 constexpr std::string_view kBlanks = " \t\r\n";
 constexpr std::string_view kAlphabet =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr uint8_t kNoDigit = 0xFF;
+
+// The value of every character as a digit.
+constexpr auto kValues = [] {
+    std::array<uint8_t, 256> values{};
+    values.fill(kNoDigit);
+    for (size_t i = 0; i < kAlphabet.size(); ++i) {
+        values[static_cast<uint8_t>(kAlphabet[i])] = static_cast<uint8_t>(i);
+    }
+    return values;
+}();
 
 std::string_view take_line(std::string_view &text) {
     const size_t end = text.find('\n');
@@ -32,7 +45,7 @@ std::optional<std::string_view> label_of(std::string_view line, std::string_view
 // The rest of a block whose first line has been read. Stops before the beginning of another one.
 PemBlock take_block(std::string_view label, std::string_view &text) {
     PemBlock block{std::string(label), {}, {}};
-    std::string body;
+    const std::string_view body = text;
     while (!text.empty()) {
         std::string_view rest = text;
         const std::string_view line = take_line(rest);
@@ -41,7 +54,8 @@ PemBlock take_block(std::string_view label, std::string_view &text) {
         }
         text = rest;
         if (const auto end = label_of(line, "END")) {
-            std::optional<Octets> octets = base64_octets(body);
+            std::optional<Octets> octets =
+                base64_octets(body.substr(0, static_cast<size_t>(line.data() - body.data())));
             if (*end != label) {
                 block.problem = "the last line of the PEM block has another label";
             } else if (!octets) {
@@ -51,7 +65,6 @@ PemBlock take_block(std::string_view label, std::string_view &text) {
             }
             return block;
         }
-        body.append(line).append("\n");
     }
     block.problem = "the PEM block has no last line";
     return block;
@@ -71,6 +84,7 @@ std::vector<PemBlock> pem_blocks(std::string_view text) {
 
 std::optional<Octets> base64_octets(std::string_view text) {
     Octets octets;
+    octets.reserve(text.size() / 4 * 3);
     uint32_t bits = 0;
     size_t digits = 0;
     size_t padding = 0;
@@ -78,12 +92,12 @@ std::optional<Octets> base64_octets(std::string_view text) {
         if (kBlanks.find(c) != std::string_view::npos) {
             continue;
         }
-        const size_t value = kAlphabet.find(c);
+        const uint8_t value = kValues[static_cast<uint8_t>(c)];
         const bool pad = c == '=';
-        if ((!pad && (value == std::string_view::npos || padding > 0)) || padding == 2) {
+        if ((!pad && (value == kNoDigit || padding > 0)) || padding == 2) {
             return std::nullopt;
         }
-        bits = bits << 6 | (pad ? 0 : static_cast<uint32_t>(value));
+        bits = bits << 6 | (pad ? 0 : uint32_t{value});
         padding += pad ? 1 : 0;
         if (++digits % 4 == 0) {
             for (const int shift : {16, 8, 0}) {

@@ -101,14 +101,14 @@ constexpr auto kKinds = std::to_array<Kind>({
 
 }  // namespace
 
-PublicKey read_public_key(const Context &context) {
+PublicKey read_public_key(const KeyParts &parts) {
     PublicKey key;
-    key.algorithm = named(object_id_text(context.octets(CERT_PUBLICKEY_ALGORITHM)));
-    key.octets = context.octets(CERT_SUBJECTPUBLICKEYINFO);
+    key.algorithm = named(object_id_text(parts.algorithm));
+    key.octets = parts.octets;
     const auto kind = std::find_if(kKinds.begin(), kKinds.end(),
                                    [&](const Kind &row) { return row.oid == key.algorithm.oid; });
     if (kind != kKinds.end()) {
-        kind->read(context.octets(CERT_ECC_PUBLICKEY_OID), key);
+        kind->read(parts.parameters, key);
     }
     return key;
 }

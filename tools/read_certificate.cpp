@@ -86,7 +86,9 @@ Certificate read_certificate(View der) {
     certificate.outer_signature_algorithm = algorithm_of(context, CERT_OUTER_SIGNATUREALGORITHM);
     certificate.issuer = name_of(context, CERT_ISSUER_DERDN);
     certificate.subject = name_of(context, CERT_SUBJECT_DERDN);
-    certificate.key = read_public_key(context);
+    certificate.key = read_public_key({context.octets(CERT_PUBLICKEY_ALGORITHM),
+                                       context.octets(CERT_SUBJECTPUBLICKEYINFO),
+                                       context.octets(CERT_ECC_PUBLICKEY_OID)});
     certificate.signature = context.octets(CERT_CA_SIGNATURE);
     read_tbs(context, certificate);
     return certificate;

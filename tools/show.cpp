@@ -1,11 +1,10 @@
 #include "show.hpp"
 
-#include "certificate.hpp"
+#include <zacert.h>
+
 #include "failure.hpp"
 #include "input.hpp"
-#include "json.hpp"
-#include "table.hpp"
-#include "text.hpp"
+#include "output.hpp"
 #include "utf8.hpp"
 #include "wording.hpp"
 
@@ -17,11 +16,11 @@ namespace {
 
 class Show {
   public:
-    explicit Show(Format format) : format_(format) {}
+    explicit Show(Format format) : output_(format, std::cout) {}
 
     void file(const std::string &path) {
         try {
-            const std::vector<Candidate> candidates = certificates_in(read_file(path));
+            const std::vector<Candidate> candidates = objects_in(read_file(path));
             for (size_t i = 0; i < candidates.size(); ++i) {
                 const std::string place =
                     candidates.size() == 1 ? "" : "block " + std::to_string(i + 1) + ": ";
@@ -34,12 +33,7 @@ class Show {
 
     // Whether everything was shown.
     bool finish() {
-        if (format_ == Format::json) {
-            std::cout << json_text(json_) << '\n';
-        } else if (format_ == Format::table) {
-            table_.print(std::cout, num_failed_);
-        }
-        std::cout.flush();
+        output_.finish(num_failed_);
         if (!std::cout) {
             report("standard output", "expected to write all of it");
         }
@@ -54,27 +48,34 @@ class Show {
             return;
         }
         try {
-            Certificate certificate = read_certificate(candidate.der);
-            certificate.file = path;
-            certificate.index = index;
-            render(certificate);
+            decode_and_add(path, index, candidate);
         } catch (const LibraryError &error) {
-            report(path, place + "expected a certificate: " + error.what());
+            report(path,
+                   place + "expected " + std::string(noun(candidate.kind)) + ": " + error.what());
         }
     }
 
-    void render(const Certificate &certificate) {
-        switch (format_) {
-            case Format::text:
-                std::cout << (num_shown_++ == 0 ? "" : "\n") << certificate_text(certificate);
+    void decode_and_add(const std::string &path, size_t index, const Candidate &candidate) {
+        switch (candidate.kind) {
+            case ObjectKind::certificate:
+                add(path, index, read_certificate(candidate.der));
                 break;
-            case Format::json:
-                json_.push_back(certificate_json(certificate));
+            case ObjectKind::crl:
+                add(path, index, read_crl(candidate.der));
                 break;
-            case Format::table:
-                table_.add(certificate);
+            case ObjectKind::request:
+                add(path, index, read_request(candidate.der));
                 break;
+            case ObjectKind::unknown:
+                throw LibraryError(ZACERT_GeneralErr);
         }
+    }
+
+    template <class Object>
+    void add(const std::string &path, size_t index, Object object) {
+        object.file = path;
+        object.index = index;
+        output_.add(object);
     }
 
     void report(const std::string &path, const std::string &problem) {
@@ -82,10 +83,7 @@ class Show {
         std::cerr << "zacert: " << file_label(path) << ": " << printable(problem) << '\n';
     }
 
-    Format format_;
-    Json json_ = Json::array();
-    Table table_;
-    size_t num_shown_ = 0;
+    Output output_;
     size_t num_failed_ = 0;
 };
 

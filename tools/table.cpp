@@ -53,9 +53,9 @@ Widths column_widths(const std::vector<Row> &rows) {
     return widths;
 }
 
-size_t num_decoded(const Certificate &certificate) {
+size_t num_decoded(const std::vector<Extension> &extensions) {
     return static_cast<size_t>(
-        std::count_if(certificate.extensions.begin(), certificate.extensions.end(),
+        std::count_if(extensions.begin(), extensions.end(),
                       [](const Extension &extension) { return extension.decoded(); }));
 }
 
@@ -66,6 +66,15 @@ std::string codes(const std::vector<Extension> &extensions) {
         text += extension.short_code.empty() ? "?" : extension.short_code;
     }
     return text.empty() ? "-" : text;
+}
+
+std::string number_of(const Crl &crl) {
+    for (const Extension &extension : crl.extensions) {
+        if (extension.id.name == "cRLNumber" && extension.decoded()) {
+            return std::get<CrlNumber>(extension.value).number.hex();
+        }
+    }
+    return "-";
 }
 
 void print_row(std::ostream &out, const Row &cells, const Widths &widths) {
@@ -79,15 +88,38 @@ void print_row(std::ostream &out, const Row &cells, const Widths &widths) {
 
 }  // namespace
 
-void Table::add(const Certificate &certificate) {
-    const size_t decoded = num_decoded(certificate);
-    const size_t present = certificate.extensions.size();
-    num_extensions_ += present;
+void Table::add(Row row, const std::vector<Extension> &extensions) {
+    const size_t decoded = num_decoded(extensions);
+    num_extensions_ += extensions.size();
     num_decoded_extensions_ += decoded;
-    rows_.push_back(
-        {short_form(certificate.subject), short_form(certificate.issuer), certificate.serial.hex(),
-         date(certificate.not_before), date(certificate.not_after), short_form(certificate.key),
-         codes(certificate.extensions), std::to_string(decoded) + "/" + std::to_string(present)});
+    row.push_back(codes(extensions));
+    row.push_back(std::to_string(decoded) + "/" + std::to_string(extensions.size()));
+    rows_.push_back(std::move(row));
+}
+
+void Table::add(const Certificate &certificate) {
+    add({short_form(certificate.subject), short_form(certificate.issuer), certificate.serial.hex(),
+         date(certificate.not_before), date(certificate.not_after), short_form(certificate.key)},
+        certificate.extensions);
+}
+
+void Table::add(const Crl &crl) {
+    certificates_alone_ = false;
+    add({"(CRL, " + std::to_string(crl.num_revoked) + " revoked)", short_form(crl.issuer),
+         number_of(crl), date(crl.this_update), crl.next_update ? date(*crl.next_update) : "-",
+         "-"},
+        crl.extensions);
+}
+
+void Table::add(const Request &request) {
+    certificates_alone_ = false;
+    std::vector<Extension> extensions;
+    for (const RequestAttribute &attribute : request.attributes) {
+        extensions.insert(extensions.end(), attribute.extensions.begin(),
+                          attribute.extensions.end());
+    }
+    add({short_form(request.subject), "(request)", "-", "-", "-", short_form(request.key)},
+        extensions);
 }
 
 void Table::print(std::ostream &out, size_t num_failed) const {
@@ -100,8 +132,10 @@ void Table::print(std::ostream &out, size_t num_failed) const {
     for (const Row &row : rows_) {
         print_row(out, row, widths);
     }
-    out << rows_.size() + num_failed << " certificates, " << rows_.size() << " decoded; "
-        << num_extensions_ << " extensions, " << num_decoded_extensions_ << " decoded\n";
+    out << rows_.size() + num_failed
+        << (certificates_alone_ ? " certificates, " : " certificates, CRLs and requests, ")
+        << rows_.size() << " decoded; " << num_extensions_ << " extensions, "
+        << num_decoded_extensions_ << " decoded\n";
 }
 
 }  // namespace tool

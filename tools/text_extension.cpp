@@ -30,10 +30,6 @@ std::string with_oid(const NamedId &id) {
     return id.name.empty() ? id.oid : id.name + " (" + id.oid + ")";
 }
 
-std::string shown(const Text &text) {
-    return text.is_text ? printable(text.value) : text.value;
-}
-
 std::string shown(const GeneralName &name) {
     if (name.form == "directoryName") {
         return name.form + ": " + one_line(name.directory);
@@ -92,6 +88,18 @@ Lines qualifier_lines(const PolicyQualifier &qualifier) {
     return lines;
 }
 
+void append_point(Lines &lines, const DistributionPoint &point) {
+    const Lines names = shown(point.full_name);
+    lines.insert(lines.end(), names.begin(), names.end());
+    if (!point.relative_name.empty()) {
+        lines.push_back("Relative to the issuer: " + one_line(point.relative_name));
+    }
+    if (!point.reasons.empty()) {
+        append_indented(lines, {"Reasons: " + joined(point.reasons)});
+    }
+    append_names(lines, "CRL issuer", point.crl_issuer);
+}
+
 // One overload per kind of value.
 struct Writer {
     View octets;
@@ -132,15 +140,7 @@ struct Writer {
     Lines operator()(const DistributionPoints &value) const {
         Lines lines;
         for (const DistributionPoint &point : value.points) {
-            const Lines names = shown(point.full_name);
-            lines.insert(lines.end(), names.begin(), names.end());
-            if (!point.relative_name.empty()) {
-                lines.push_back("Relative to the issuer: " + one_line(point.relative_name));
-            }
-            if (!point.reasons.empty()) {
-                append_indented(lines, {"Reasons: " + joined(point.reasons)});
-            }
-            append_names(lines, "CRL issuer", point.crl_issuer);
+            append_point(lines, point);
         }
         return lines;
     }
@@ -193,6 +193,37 @@ struct Writer {
         Lines lines;
         append_subtrees(lines, "Permitted", value.permitted);
         append_subtrees(lines, "Excluded", value.excluded);
+        return lines;
+    }
+
+    Lines operator()(const CrlNumber &value) const { return {decimal_or_hex(value.number)}; }
+
+    Lines operator()(const IssuingDistributionPoint &value) const {
+        Lines lines;
+        append_point(lines, value.point);
+        const auto append = [&lines](bool set, const char *text) {
+            if (set) {
+                lines.emplace_back(text);
+            }
+        };
+        append(value.only_user_certificates, "Only certificates of users");
+        append(value.only_ca_certificates, "Only certificates of CAs");
+        append(value.only_attribute_certificates, "Only attribute certificates");
+        append(value.indirect, "Indirect CRL");
+        return lines;
+    }
+
+    Lines operator()(const Reason &value) const { return {value.name}; }
+
+    Lines operator()(const Instant &value) const { return {instant_text(value.time)}; }
+
+    Lines operator()(const Identifier &value) const { return {label(value.id)}; }
+
+    Lines operator()(const IdentityNumbers &value) const {
+        Lines lines;
+        for (const IdentityNumber &number : value.numbers) {
+            lines.push_back(number.title + ": " + shown(number.value));
+        }
         return lines;
     }
 

@@ -115,6 +115,17 @@ bool is_unsafe(char32_t value) {
     return contains(kUnsafe, value);
 }
 
+bool is_plain(std::string_view text) {
+    while (!text.empty()) {
+        const CodePoint point = first_code_point(text);
+        if (point.length == 0 || is_unsafe(point.value)) {
+            return false;
+        }
+        text.remove_prefix(point.length);
+    }
+    return true;
+}
+
 std::string printable(std::string_view text, std::string_view specials) {
     std::string shown;
     while (!text.empty()) {

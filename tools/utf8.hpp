@@ -18,6 +18,9 @@ bool is_utf8(std::string_view text);
 // Characters that steer a terminal or turn the reading direction.
 bool is_unsafe(char32_t value);
 
+// Valid UTF-8 without such characters.
+bool is_plain(std::string_view text);
+
 // The text with every unsafe character and every invalid octet as a backslash and two digits per
 // octet, and with each backslash and each character of `specials` behind a backslash.
 std::string printable(std::string_view text, std::string_view specials = {});

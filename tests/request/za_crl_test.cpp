@@ -55,8 +55,7 @@ TEST(CrlAttributes, EveryIdentifierHasTheAccessorsOfItsKind) {
 }
 
 TEST(CrlAttributes, ThePageTellsWhatTheRowsTell) {
-    expect_page_tells("Attributes of a certificate revocation list",
-                         request::crl_attributes());
+    expect_page_tells("Attributes of a certificate revocation list", request::crl_attributes());
 }
 
 TEST(CrlAttributes, AccessorsThatHaveLinesOfTheirOwnWriteThem) {
