@@ -32,8 +32,8 @@ class Builder {
     Status utc_time(int32_t time);          // ZAsn1_WriteUtcTime
     Status generalized_time(int32_t time);  // ZAsn1_WriteGeneralizedTime
 
-    // `content` writes what stands inside; a Status it returns is passed on. About `expected` octets
-    // of content spare moving them when the header turns out longer.
+    // `content` writes what stands inside; a Status it returns is passed on. Where the size of the
+    // content is known about, telling it as `expected` spares moving the content.
     template <class Content>
     auto wrapped(uint8_t identifier, const Content &content, size_t expected = 0) {
         const Open open = begin(identifier, expected);
