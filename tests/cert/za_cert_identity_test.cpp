@@ -46,7 +46,6 @@ TEST(CertificateIdentity, SizesAndNullAreLookedAt) {
     EXPECT_EQ(ZACert_SetCertPrivate_GB(nullptr, 9999, nullptr, 1560, 7), 108u);
     EXPECT_EQ(trace.failures(), Trail{"------>pCertEncodeCtx or privData  is NULL"});
     EXPECT_EQ(ZACert_SetCertPrivate_GB(cert, 147, nullptr, 1560, 0), 108u);
-    EXPECT_EQ(ZACert_SetCertPrivate_GB(cert, 147, record.data(), 1559, 0), 108u);
     EXPECT_EQ(ZACert_SetCertPrivate_GB(cert, 147, record.data(), 1561, 0), 108u);
     EXPECT_EQ(ZACert_SetCertPrivate_GB(cert, 151, record.data(), 0xFFFFFFFF, 0), 108u);
     EXPECT_FALSE(cert->extensions_changed);

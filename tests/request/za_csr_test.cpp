@@ -117,7 +117,7 @@ TEST(RequestDecoding, RowsDecodeAsWritten) {
         expect_decoded("requests/rows/" + what, refused, [&](const Octets &in, std::string &out) {
             Csr csr;
             const uint32_t result = decode(what, csr, in);
-            out = seen(csr);
+            out = out.empty() ? seen(csr) : out;  // not again for every damage
             return result;
         });
     }
