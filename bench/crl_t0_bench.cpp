@@ -275,10 +275,10 @@ double peak() {
 double peak_of(const std::function<void()> &work) {
     std::array<int, 2> ends{};
     check(pipe(ends.data()) == 0, "pipe");
+    // Free memory that the process still holds would hide what is taken.
+    malloc_trim(0);
     const pid_t child = fork();
     if (child == 0) {
-        // Free memory that the process still holds would hide what is taken.
-        malloc_trim(0);
         const double before = peak();
         work();
         const double raised = peak() - before;
