@@ -54,6 +54,9 @@ class Builder {
 
     size_t size() const { return size_; }
 
+    // What finish() would tell: for those who use bytes() before.
+    Status status() const { return status_; }
+
     // What was written so far; it moves with the next octet.
     Bytes bytes() const { return block_.bytes().first(size_); }
 

@@ -41,8 +41,8 @@ size_t entry_size(const RevokedEntry &entry) {
 
 size_t entries_size(const RevokedList &revoked) {
     size_t size = revoked.decoded_entries().size();
-    size_t at = 0;
-    for (RevokedEntry entry; revoked.added().next(at, entry);) {
+    AddedEntries::Place place;
+    for (RevokedEntry entry; revoked.added().next(place, entry);) {
         size += entry_size(entry);
     }
     return size;
@@ -93,8 +93,8 @@ Status write_revoked(const RevokedList &revoked, size_t size, Builder &out) {
     const auto entries = [&] {
         TimeTexts texts;
         out.raw(revoked.decoded_entries());
-        size_t at = 0;
-        for (RevokedEntry entry; revoked.added().next(at, entry);) {
+        AddedEntries::Place place;
+        for (RevokedEntry entry; revoked.added().next(place, entry);) {
             ZA_PASS(write_entry(entry, texts, out));
         }
         return Status::ok;
@@ -175,6 +175,9 @@ Status write_head(Crl &crl, Builder &out) {
     return crl.has_next_update ? cert::write_time(trace, crl.next_update, out) : Status::ok;
 }
 
+// Behind the TBSCertList, for algorithm and signature as they mostly are.
+constexpr size_t kSignatureRoom = 640;
+
 size_t extensions_room(const Crl &crl) {
     constexpr size_t kAroundFourValues = 256;
     return crl.crl_number.value.bytes().size() + crl.delta_indicator.value.bytes().size() +
@@ -184,19 +187,16 @@ size_t extensions_room(const Crl &crl) {
 
 // TBSCertList ::= SEQUENCE { version, signature, issuer, thisUpdate, nextUpdate OPTIONAL,
 //     revokedCertificates OPTIONAL, crlExtensions [0] EXPLICIT OPTIONAL }
-Status write_tbs(Crl &crl, Octets &out) {
-    const size_t revoked = entries_size(crl.revoked);
-    Builder tbs;
+Status write_tbs(Crl &crl, size_t revoked, Builder &out) {
     const auto content = [&] {
-        ZA_PASS(write_head(crl, tbs));
+        ZA_PASS(write_head(crl, out));
         // A block that grew as it filled could end up twice as large as the list.
-        tbs.reserve(tbs.size() + element_size(revoked) + extensions_room(crl));
-        ZA_TRY(ZI_CRL_EncodeRevokedCRL, write_revoked(crl.revoked, revoked, tbs));
-        write_extensions(crl, tbs);
+        out.reserve(out.size() + element_size(revoked) + extensions_room(crl) + kSignatureRoom);
+        ZA_TRY(ZI_CRL_EncodeRevokedCRL, write_revoked(crl.revoked, revoked, out));
+        write_extensions(crl, out);
         return Status::ok;
     };
-    ZA_PASS(tbs.sequence(content, revoked));
-    return tbs.finish(out);
+    return out.sequence(content, revoked);
 }
 
 Status sign(Crl &crl, Bytes tbs) {
@@ -208,17 +208,37 @@ Status sign(Crl &crl, Bytes tbs) {
     return Status::ok;
 }
 
+// CertificateList ::= SEQUENCE { tbsCertList, signatureAlgorithm, signatureValue BIT STRING }, in
+// one block: what is signed stands where it stays.
+Status write_crl(Crl &crl, Builder &out, size_t &tbs_size) {
+    const size_t revoked = entries_size(crl.revoked);
+    const auto content = [&] {
+        const size_t start = out.size();
+        ZA_PASS(write_tbs(crl, revoked, out));
+        ZA_PASS(out.status());
+        const Bytes tbs = out.bytes().subspan(start);
+        tbs_size = tbs.size();
+        ZA_PASS(sign(crl, tbs));
+        const Bytes signature = crl.signature.bytes();
+        constexpr size_t kHeadersAndAlgorithm = 64;
+        out.reserve(out.size() + signature.size() + kHeadersAndAlgorithm);
+        cert::write_algorithm(crl.outer_algorithm.bytes(), out);
+        out.bit_string(signature);
+        return Status::ok;
+    };
+    return out.sequence(content, revoked);
+}
+
 Status encode_crl(Crl &crl) {
-    Octets tbs;
+    Builder builder;
     Octets whole;
     asn1::Header header;
-    ZA_PASS(write_tbs(crl, tbs));
-    ZA_PASS(sign(crl, tbs.bytes()));
-    ZA_PASS(
-        cert::write_signed(tbs.bytes(), crl.outer_algorithm.bytes(), crl.signature.bytes(), whole));
+    size_t tbs_size = 0;
+    ZA_PASS(write_crl(crl, builder, tbs_size));
+    ZA_PASS(builder.finish(whole));
     ZA_PASS(asn1::read_header(whole.bytes(), header));
     crl.whole.take(std::move(whole));
-    crl.tbs.refer(crl.whole.bytes().subspan(header.size(), tbs.size()));
+    crl.tbs.refer(crl.whole.bytes().subspan(header.size(), tbs_size));
     return Status::ok;
 }
 
