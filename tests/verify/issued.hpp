@@ -30,6 +30,7 @@ inline time_t epoch() {
 
 struct Issue {
     const char *issuer = "CA";
+    uint8_t string_type = 0x13;  // of the issuer's name
     const char *subject = "User";
     int64_t from = -1000;  // seconds from the epoch
     int64_t to = 1000;
@@ -38,8 +39,8 @@ struct Issue {
     std::string algorithm = "2A 86 48 86 F7 0D 01 01 0B";
 };
 
-inline Octets name_of(const std::string &text) {
-    const Octets value = element(0x13, {text.begin(), text.end()});
+inline Octets name_of(const std::string &text, uint8_t string_type) {
+    const Octets value = element(string_type, {text.begin(), text.end()});
     return sequence({element(0x31, sequence({{6, 3, 0x55, 4, 3}, value}))});
 }
 
@@ -51,10 +52,6 @@ inline Octets time_of(const Issue &issue, int64_t seconds) {
     return element(issue.generalized ? 0x18 : 0x17, {text, text + size});
 }
 
-inline Octets algorithm_of(const Issue &issue) {
-    return sequence({element(6, from_hex(issue.algorithm)), {5, 0}});
-}
-
 inline Octets public_key_of(const char *key) {
     uint8_t *der = nullptr;
     const int size = i2d_PUBKEY(key_named(key), &der);
@@ -63,35 +60,28 @@ inline Octets public_key_of(const char *key) {
     return octets;
 }
 
-inline Octets signed_by(const char *key, const Issue &issue, const Octets &tbs) {
+enum Kind { kCertificate, kCertificateByKey, kCrl, kRequest };
+
+// With the signer's own key in it.
+inline Octets issued(Kind kind, const char *signer, const Issue &issue = {}) {
+    const Octets algorithm = sequence({element(6, from_hex(issue.algorithm)), {5, 0}});
+    const Octets issuer = name_of(issue.issuer, issue.string_type);
+    const Octets subject = name_of(issue.subject, 0x13);
+    const Octets from = time_of(issue, issue.from);
+    const Octets validity = sequence({from, time_of(issue, issue.to)});
+    const Octets key = public_key_of(signer);
+    const Octets head = from_hex("A0 03 02 01 02 02 01 4D");  // version 3, a serial number
+    const Octets tbs = kind == kRequest ? sequence({{2, 1, 0}, subject, key, {0xA0, 0}})
+                       : kind == kCrl   ? sequence({{2, 1, 1}, algorithm, issuer, from})
+                                      : sequence({head, algorithm, issuer, validity, subject, key});
+
     const std::shared_ptr<EVP_MD_CTX> md(EVP_MD_CTX_new(), EVP_MD_CTX_free);
     Octets bits(1 + 512);
     size_t size = 512;
-    EVP_DigestSignInit(md.get(), nullptr, issue.digest, nullptr, key_named(key));
+    EVP_DigestSignInit(md.get(), nullptr, issue.digest, nullptr, key_named(signer));
     EVP_DigestSign(md.get(), &bits[1], &size, tbs.data(), tbs.size());
     bits.resize(1 + size);
-    return sequence({tbs, algorithm_of(issue), element(3, bits)});
-}
-
-// With the signer's own key.
-inline Octets new_certificate(const char *signer, const Issue &issue) {
-    const Octets validity = sequence({time_of(issue, issue.from), time_of(issue, issue.to)});
-    return signed_by(
-        signer, issue,
-        sequence({from_hex("A0 03 02 01 02 02 01 4D"), algorithm_of(issue), name_of(issue.issuer),
-                  validity, name_of(issue.subject), public_key_of(signer)}));
-}
-
-inline Octets new_crl(const char *signer, const Issue &issue) {
-    return signed_by(
-        signer, issue,
-        sequence(
-            {{2, 1, 1}, algorithm_of(issue), name_of(issue.issuer), time_of(issue, issue.from)}));
-}
-
-inline Octets new_request(const char *signer) {
-    return signed_by(signer, {},
-                     sequence({{2, 1, 0}, name_of("User"), public_key_of(signer), {0xA0, 0}}));
+    return sequence({tbs, algorithm, element(3, bits)});
 }
 
 }  // namespace za::test

@@ -2,7 +2,9 @@
 
 #include <zacert.h>
 
+#include "cert/za_cert_decode.hpp"
 #include "support/heap.hpp"
+#include "support/rows.hpp"
 #include "support/trace.hpp"
 #include "verify/issued.hpp"
 
@@ -12,38 +14,24 @@
 namespace za::test {
 namespace {
 
-// What a callback got, how often one was called, and what it answers in the place of its finding.
-struct Call {
-    uint32_t count = 0;
-    Octets tbs;
-    Octets key;
-    Octets signature;
-    bool point_in_key = false;
-    uint32_t preset = 0;
-    bool operator==(const Call &) const = default;
-} seen;
-std::optional<std::pair<int32_t, uint32_t>> answer;  // status, result
+std::string seen;  // by the callback: the result as it found it, where the point is, the prime
+std::optional<std::pair<int32_t, uint32_t>> answer;  // its status and result, whatever it finds
 
 // ECDSA with SHA-256 by libcrypto, for one key.
-bool is_ecdsa(const Octets &tbs, const ZA_ECCSignStruct &signature, const ZA_ECCPOINT &point) {
-    uint8_t *encoded = nullptr;
-    const size_t size = EVP_PKEY_get1_encoded_public_key(key_named("p256"), &encoded);
-    const bool same = Octets(encoded, encoded + size) == join({{4}, octets_of(point)});
-    OPENSSL_free(encoded);
-    const Octets der = two_calls([&](uint8_t *out, uint32_t *len) {
-        return ZA_Encode_ECCSignStructToDerData(&signature, out, len);
-    });
-    const std::shared_ptr<EVP_MD_CTX> md(EVP_MD_CTX_new(), EVP_MD_CTX_free);
-    EVP_DigestVerifyInit(md.get(), nullptr, EVP_sha256(), nullptr, key_named("p256"));
-    return same && EVP_DigestVerify(md.get(), der.data(), der.size(), tbs.data(), tbs.size()) == 1;
-}
-
 int32_t ecdsa(const uint8_t *tbs, uint32_t tbs_len, void *pass, const ZA_ECCSignStruct *signature,
               const ZA_ECCPOINT *pub, uint32_t *result) {
     const auto &key = *static_cast<const ZACERT_EccPubKey *>(pass);
-    seen = {seen.count + 1,        {tbs, tbs + tbs_len}, octets_of(key),
-            octets_of(*signature), pub->x == &key.x[0],  *result};
-    *result = answer ? answer->second : is_ecdsa(seen.tbs, *signature, *pub);
+    const char *place = pub->x == &key.x[0] ? " inside " : " outside ";
+    seen += std::to_string(*result) + place + to_hex(key.curve.p);
+    const Octets der = two_calls([&](uint8_t *out, uint32_t *len) {
+        return ZA_Encode_ECCSignStructToDerData(signature, out, len);
+    });
+    const std::shared_ptr<EVP_MD_CTX> md(EVP_MD_CTX_new(), EVP_MD_CTX_free);
+    EVP_DigestVerifyInit(md.get(), nullptr, EVP_sha256(), nullptr, key_named("p256"));
+    const Octets info = public_key_of("p256");
+    const bool good = Octets(info.end() - 64, info.end()) == octets_of(*pub) &&
+                      EVP_DigestVerify(md.get(), der.data(), der.size(), tbs, tbs_len) == 1;
+    *result = answer ? answer->second : good;
     return answer ? answer->first : 0;
 }
 
@@ -51,7 +39,9 @@ enum Family { kRsa, kEcc };
 constexpr const char *kKeys[]{"rsa2048", "p256"};
 constexpr const char *kOtherKeys[]{"rsa1024", "secp256k1"};
 
-enum Kind { kCertificate, kCertificateByKey, kCrl, kRequest };
+constexpr std::pair<Family, Kind> kAll[]{
+    {kRsa, kCertificate}, {kRsa, kCertificateByKey}, {kRsa, kCrl}, {kRsa, kRequest},
+    {kEcc, kCertificate}, {kEcc, kCertificateByKey}, {kEcc, kCrl}, {kEcc, kRequest}};
 
 struct Arguments {
     const uint8_t *by;  // the CA's certificate, or the issuer's key
@@ -81,19 +71,28 @@ uint32_t call(Family family, Kind kind, const Arguments &in) {
     }
 }
 
-uint32_t call(Family family, Kind kind, const Octets &by, const Octets &object) {
+// With attribute 54 of the CA's certificate where a key is wanted.
+uint32_t call(Family family, Kind kind, const Octets &ca, const Octets &object) {
+    cert::Certificate issuer;
+    Bytes by = ca;
+    if (kind == kCertificateByKey) {
+        if (const Status status = cert::decode_certificate(issuer, ca); status != Status::ok) {
+            return uint32_t(status);
+        }
+        by = issuer.key.bits.bytes();
+    }
     return call(family, kind, {by.data(), int32_t(by.size()), object.data(), int(object.size())});
 }
 
 // The result, and that the last line of a failure is the one that belongs to its code.
-void expect(uint32_t result, Family family, Kind kind, const Octets &by, const Octets &object) {
+void expect(uint32_t result, Family family, Kind kind, const Octets &ca, const Octets &object) {
     const std::map<uint32_t, std::string> last_lines{{116, "------>ZACERT_DnNotEqualErr"},
                                                      {117, "------>ZACERT_TimeOutRangeErr"},
                                                      {118, "------>ZACERT_InvalidSignatureAlgErr"},
                                                      {128, "------>ZA_VerifyData"}};
     const NoLeak no_leak;
     const TraceRecord trace;
-    EXPECT_EQ(call(family, kind, by, object), result) << family << kind;
+    EXPECT_EQ(call(family, kind, ca, object), result) << family << kind;
     const Trail failures = trace.failures();
     EXPECT_EQ(failures.empty(), result == 0);
     if (last_lines.contains(result) && !failures.empty()) {
@@ -103,59 +102,28 @@ void expect(uint32_t result, Family family, Kind kind, const Octets &by, const O
 
 Octets new_ca(const char *key, Issue issue = {}) {
     issue.subject = "CA";
-    return new_certificate(key, issue);
-}
-
-// Attribute 54.
-Octets key_of(const Octets &certificate) {
-    void *ctx = nullptr;
-    ZACert_CreateCertDecodeCtx(&ctx);
-    EXPECT_EQ(ZACert_DecodeCert(ctx, certificate.data(), uint32_t(certificate.size())), 0u);
-    const Octets key = two_calls([&](uint8_t *out, uint32_t *len) {
-        return ZACert_GetCertAttributeChar(ctx, CERT_SUBJECTPUBLICKEYINFO, out, len);
-    });
-    ZACert_DestroyCertDecodeCtx(ctx);
-    return key;
-}
-
-// One of each kind by one key, and what it is verified by.
-struct Objects {
-    Octets by[4];
-    Octets object[4];
-
-    Objects(Family family, const char *signer)
-        : by{new_ca(kKeys[family]), key_of(new_ca(kKeys[family])), new_ca(kKeys[family]), {}},
-          object{new_certificate(signer, {}), new_certificate(signer, {}), new_crl(signer, {}),
-                 new_request(signer)} {}
-};
-
-void for_each_kind(const std::function<void(Family, Kind)> &test) {
-    for (const Family family : {kRsa, kEcc}) {
-        for (const Kind kind : {kCertificate, kCertificateByKey, kCrl, kRequest}) {
-            test(family, kind);
-        }
-    }
+    return issued(kCertificate, key, issue);
 }
 
 TEST(Verification, SignaturesOfEveryKind) {
-    for_each_kind([](Family family, Kind kind) {
-        const Objects good(family, kKeys[family]);
-        const Objects other(family, kOtherKeys[family]);
-        const Octets &by = good.by[kind];
+    for (const auto &which : kAll) {
+        const Family family = which.first;
+        const Kind kind = which.second;
+        // Names with the same text in another string type are equal.
+        const Octets ca = new_ca(kKeys[family]);
+        const Octets good = issued(kind, kKeys[family], {.string_type = 0x0C});
+        const Octets other = issued(kind, kOtherKeys[family]);
         // The key in a request counts, so the other one's signature is put behind it.
-        std::vector<Octets> parts = children_of((kind == kRequest ? good : other).object[kind]);
-        parts[2] = children_of(other.object[kind])[2];
-        expect(0, family, kind, by, good.object[kind]);
-        expect(128, family, kind, by, sequence(parts));
+        const Octets tbs = children_of(kind == kRequest ? good : other)[0];
+        expect(0, family, kind, ca, good);
+        expect(128, family, kind, ca, sequence({tbs, children_of(good)[1], children_of(other)[2]}));
         answer = {0, 1};  // the finding itself needs the heap
-        expect_allocation_faults_survived(
-            [&] { return call(family, kind, by, good.object[kind]); });
+        expect_allocation_faults_survived([&] { return call(family, kind, ca, good); });
         answer.reset();
-    });
-    const Octets user = new_certificate("rsa2048", {});
+    }
+    const Octets user = issued(kCertificate, "rsa2048");
     expect(128, kRsa, kCertificate, new_ca("p256"), user);
-    expect(101, kRsa, kCertificateByKey, data_file("keys/rsa4096_pub.der"), user);
-    expect(0, kRsa, kCertificate, new_ca("rsa1024"), new_certificate("rsa1024", {}));
+    expect(0, kRsa, kCertificate, new_ca("rsa1024"), issued(kCertificate, "rsa1024"));
 }
 
 TEST(Verification, NamesAndTimes) {
@@ -177,74 +145,60 @@ TEST(Verification, NamesAndTimes) {
     for (const auto &[of_ca, of_user, results] : rows) {
         for (const Family family : {kRsa, kEcc}) {
             const Octets ca = new_ca(kKeys[family], of_ca);
-            const Octets user = new_certificate(kKeys[family], of_user);
+            const Octets user = issued(kCertificate, kKeys[family], of_user);
             expect(results[family], family, kCertificate, ca, user);
-            expect(0, family, kCertificateByKey, key_of(ca), user);
-            const uint32_t of_crl = results[family] == 116 ? 116 : 0;
-            expect(of_crl, family, kCrl, ca, new_crl(kKeys[family], of_user));
+            expect(0, family, kCertificateByKey, ca, user);
+            expect(results[family] == 116 ? 116 : 0, family, kCrl, ca,
+                   issued(kCrl, kKeys[family], of_user));
         }
     }
 }
 
 TEST(Verification, EveryTimeMayEqualItsBound) {
-    const struct {
-        int32_t ca_to, from, to;
-        uint32_t now, results[2];
-    } rows[]{
-        {90, 10, 90, 10, {0, 0}},   {90, 10, 90, 90, {0, 0}},     {90, 9, 90, 50, {117, 117}},
-        {90, 10, 91, 50, {0, 117}}, {90, 10, 90, 9, {117, 117}},  {90, 10, 90, 91, {0, 117}},
-        {-90, 20, -91, 50, {0, 0}}, {-90, 20, -89, 50, {0, 117}}, {90, -20, 90, 50, {117, 117}}};
-    for (const auto &row : rows) {
+    for (const Row &row : rows_of("verify/bounds.txt")) {
+        const auto number = [&](size_t cell) { return int32_t(std::stol(row.at(cell))); };
         cert::Certificate ca;
         cert::Certificate user;
         ca.not_before.set(10);
-        ca.not_after.set(row.ca_to);
-        user.not_before.set(row.from);
-        user.not_after.set(row.to);
-        for (const auto validity : {verify::Validity::beginning, verify::Validity::whole}) {
-            EXPECT_EQ(uint32_t(verify::check_validity(ca, user, validity, row.now)),
-                      row.results[validity == verify::Validity::whole])
-                << &row - rows;
+        ca.not_after.set(number(0));
+        user.not_before.set(number(1));
+        user.not_after.set(number(2));
+        for (const size_t i : {0, 1}) {
+            const auto validity = i == 0 ? verify::Validity::beginning : verify::Validity::whole;
+            EXPECT_EQ(verify::check_validity(ca, user, validity, uint32_t(number(3))),
+                      Status(number(4 + i)));
         }
     }
 }
 
-// MD2 is in no libcrypto of today, which pads and signs all the same.
-Octets signed_with_md2(const std::string &algorithm) {
-    std::vector<Octets> parts = children_of(new_certificate("rsa2048", {.algorithm = algorithm}));
-    Octets info = from_hex("30 20 30 0C 06 08 2A 86 48 86 F7 0D 02 02 05 00 04 10 00*16");
-    uint32_t len = 0;
-    ZA_PKCS7_DigestMessage(3, parts[0].data(), int(parts[0].size()), &info[18], &len);
-    size_t size = 256;
-    const std::shared_ptr<EVP_PKEY_CTX> signer(EVP_PKEY_CTX_new(key_named("rsa2048"), nullptr),
-                                               EVP_PKEY_CTX_free);
-    EVP_PKEY_sign_init(signer.get());
-    EVP_PKEY_sign(signer.get(), &parts[2][5], &size, info.data(), info.size());
-    return sequence(parts);
-}
-
 TEST(Verification, AlgorithmSelectsTheDigest) {
     const std::string rsa = "2A 86 48 86 F7 0D 01 01 ";
-    const EVP_MD *sha256 = EVP_sha256();
-    const std::tuple<const char *, const EVP_MD *, uint32_t> rows[]{
-        {"01", sha256, 128},     {"02", sha256, 128},      {"03", sha256, 118},
-        {"04", EVP_md5(), 0},    {"04", sha256, 128},      {"05", EVP_sha1(), 0},
-        {"06", sha256, 118},     {"0A", sha256, 118},      {"0B", sha256, 0},
-        {"0B 00*7", sha256, 0},  {"0B 00*8", sha256, 118}, {"0B", EVP_sha512(), 128},
-        {"0C", EVP_sha384(), 0}, {"0D", EVP_sha512(), 0}};
-    for (const auto &[end, digest, result] : rows) {
-        SCOPED_TRACE(end);
-        const Issue issue{.digest = digest, .algorithm = rsa + end};
-        expect(result, kRsa, kCertificate, new_ca("rsa2048"), new_certificate("rsa2048", issue));
+    for (const Row &row : rows_of("verify/algorithms.txt")) {
+        SCOPED_TRACE(row[0]);
+        const EVP_MD *digest = EVP_get_digestbyname(row[1].c_str());
+        const Octets user =
+            issued(kCertificate, "rsa2048", {.digest = digest, .algorithm = rsa + row[0]});
+        expect(number_of(row[2]), kRsa, kCertificate, new_ca("rsa2048"), user);
     }
-    expect(0, kRsa, kCertificate, new_ca("rsa2048"), signed_with_md2(rsa + "02"));
+    // MD2 is in no libcrypto of today, which pads and signs all the same.
+    std::vector<Octets> md2 =
+        children_of(issued(kCertificate, "rsa2048", {.algorithm = rsa + "02"}));
+    Octets info = from_hex("30 20 30 0C 06 08 2A 86 48 86 F7 0D 02 02 05 00 04 10 00*16");
+    uint32_t len = 0;
+    ZA_PKCS7_DigestMessage(3, md2[0].data(), int(md2[0].size()), &info[18], &len);
+    size_t size = 256;
+    EVP_PKEY_CTX *signer = EVP_PKEY_CTX_new(key_named("rsa2048"), nullptr);
+    EVP_PKEY_sign_init(signer);
+    EVP_PKEY_sign(signer, &md2[2][5], &size, info.data(), info.size());
+    EVP_PKEY_CTX_free(signer);
+    expect(0, kRsa, kCertificate, new_ca("rsa2048"), sequence(md2));
 }
 
 // The changes include those that readers of single elements let pass.
 TEST(Verification, EveryChangedOctetIsFound) {
-    for_each_kind([](Family family, Kind kind) {
-        const Objects good(family, kKeys[family]);
-        Octets object = good.object[kind];
+    for (const auto &[family, kind] : kAll) {
+        const Octets ca = new_ca(kKeys[family]);
+        Octets object = issued(kind, kKeys[family]);
         const std::vector<Octets> parts = children_of(object);
         const size_t tbs = object.size() - content_of(object).size();
         const size_t signature = object.size() - content_of(parts[2]).size() + 1;
@@ -252,36 +206,27 @@ TEST(Verification, EveryChangedOctetIsFound) {
             at = at == tbs + parts[0].size() ? signature : at;
             for (const int change : {0x01, 0x06, 0x20, 0x40, 0x80}) {
                 object[at] = uint8_t(object[at] ^ change);
-                EXPECT_NE(call(family, kind, good.by[kind], object), 0u) << kind << " " << at;
+                EXPECT_NE(call(family, kind, ca, object), 0u) << kind << " " << at;
                 object[at] = uint8_t(object[at] ^ change);
             }
         }
-    });
+    }
 }
 
+// That it gets the signed octets, the signature and the point shows by what libcrypto finds.
 TEST(Verification, CallbackGetsWhatItIsPromised) {
     const Octets ca = new_ca("p256");
-    const Octets user = new_certificate("p256", {});
-    const std::vector<Octets> parts = children_of(user);
-    const Octets der = key_of(ca);
-    ZACERT_EccPubKey key{};
-    ZA_ECCSignStruct signature{};
-    uint32_t len = 0;
-    ZACERT_DecodeEccPubKey(der.data(), int32_t(der.size()), &key, &len);
-    const Octets bits = content_of(parts[2]);
-    ZA_Decode_DerDataToECCSignStruct(&signature, &bits[1], int32_t(bits.size()) - 1);
-    seen = {};
+    const Octets user = issued(kCertificate, "p256");
+    seen.clear();
     expect(0, kEcc, kCertificate, ca, user);
-    EXPECT_TRUE(seen == (Call{1, parts[0], octets_of(key), octets_of(signature), true, 0}));
-
+    EXPECT_EQ(seen, "0 inside " + to_hex(from_hex("FF*4 00 00 00 01 00*12 FF*12")));
     const std::string failed = "--------->ZA_ECC_VerifySignature verifyFunc";
-    for (const auto &[given, result] :
-         {std::pair(std::pair(0, 1u), 0u), {{0, 0}, 128}, {{0, 2}, 128}, {{-1, 1}, 128}}) {
-        answer = given;
+    for (const auto &[status, result] : {std::pair(0, 0u), {0, 2}, {-1, 1}}) {
+        answer = {status, result};
         const TraceRecord trace;
-        EXPECT_EQ(call(kEcc, kCertificate, ca, user), result);
-        EXPECT_EQ(trace.failures().size(), result == 0 ? 0u : given.first == 0 ? 1u : 2u);
-        EXPECT_EQ(given.first != 0, !trace.failures().empty() && trace.failures()[0] == failed);
+        EXPECT_EQ(call(kEcc, kCertificate, ca, user), 128u);
+        EXPECT_EQ(trace.failures().front() == failed, status != 0);
+        EXPECT_EQ(trace.failures().back(), "------>ZA_VerifyData");
     }
     answer.reset();
 }
@@ -289,12 +234,10 @@ TEST(Verification, CallbackGetsWhatItIsPromised) {
 TEST(Verification, CurveOfAnotherSize) {
     const Octets ca = new_ca("p384");
     testing::internal::CaptureStdout();
-    expect(108, kEcc, kCrl, ca, new_crl("p256", {}));
-    expect(108, kEcc, kRequest, {}, new_request("p384"));
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-    testing::internal::CaptureStdout();
-    expect(1, kEcc, kCertificate, ca, new_certificate("p256", {}));
-    expect(1, kEcc, kCertificateByKey, key_of(ca), new_certificate("p256", {}));
+    expect(108, kEcc, kCrl, ca, issued(kCrl, "p256"));
+    expect(108, kEcc, kRequest, {}, issued(kRequest, "p384"));
+    expect(1, kEcc, kCertificate, ca, issued(kCertificate, "p256"));
+    expect(1, kEcc, kCertificateByKey, ca, issued(kCertificate, "p256"));
     const std::string line = "ZACert_GetCertAttributeChar ZACERT_DecodeEccPubKey Error!code:108\n";
     EXPECT_EQ(testing::internal::GetCapturedStdout(), line + line);
 }
@@ -308,7 +251,7 @@ Octets pem_of(const Octets &der) {
 
 TEST(Verification, RequestsInPem) {
     for (const Family family : {kRsa, kEcc}) {
-        const Octets pem = pem_of(new_request(kKeys[family]));
+        const Octets pem = pem_of(issued(kRequest, kKeys[family]));
         expect(0, family, kRequest, {}, pem);
         expect(101, family, kRequest, {}, {pem.begin(), pem.end() - 20});
         expect(101, family, kRequest, {}, pem_of(element(0x30, Octets(125))));
@@ -317,32 +260,16 @@ TEST(Verification, RequestsInPem) {
 }
 
 TEST(Verification, MissingArguments) {
-    const std::string certificates = "------>(derCaCert == NULL) || (derUserCert == NULL)";
-    const std::string by_ca = "------>VerifyUserCertByCACert, pDer";
-    const std::string of_ca[]{by_ca + "Pub==NULL || iDerPubLen<=0",
-                              by_ca + "Cert==NULL || iDerCertLen<=0"};
-    const std::string texts[2][4]{
-        {certificates, "", "------>(derCaCert == NULL) || (derCrl == NULL)",
-         "------>ZA_VerifyCsr_Sign  derCsr==NULL || derCsrLen<=0 Err"},
-        {certificates, "------>ZA_ECC_VerifyCertForSpeed Parameter Error",
-         "------>ZA_ECC_VerifyCrl Parameter Error",
-         "------>ZA_VerifyECCsr  derCsr==NULL || derCsrLen<=0 Err"}};
     const uint8_t x[]{0x30, 0x00};
-    const Arguments rows[]{
+    const Arguments missing[]{
         {nullptr, 2, x, 2}, {x, 2, nullptr, 2}, {x, 0, x, 2}, {x, 2, x, 0}, {x, 2, x, 2, nullptr}};
-    for_each_kind([&](Family family, Kind kind) {
-        for (const Arguments &row : rows) {
-            const bool of_object = row.object == nullptr || row.object_len == 0;
-            if (row.function == nullptr ? family == kRsa : kind == kRequest && !of_object) {
-                continue;
-            }
-            const TraceRecord trace;
-            EXPECT_EQ(call(family, kind, row), 109u) << family << kind;
-            const std::string &text = texts[family][kind];
-            EXPECT_EQ(trace.failures(), Trail{text.empty() ? of_ca[of_object] : text});
-        }
-    });
-    expect(109, kRsa, kRequest, {}, {});
+    for (const Row &row : rows_of("verify/missing.txt")) {
+        const TraceRecord trace;
+        EXPECT_EQ(call(Family(row[0] == "1"), Kind(number_of(row[1])), missing[number_of(row[2])]),
+                  109u);
+        EXPECT_EQ(trace.failures(), Trail{row[3]});
+    }
+    EXPECT_EQ(call(kRsa, kRequest, {x, 2, x, -1}), 109u);
 }
 
 }  // namespace
