@@ -49,12 +49,10 @@ bool skip_to_dash(Bytes &text) {
     return found;
 }
 
-// Cuts off the dashes that stand at one end of a header; false: nothing is left behind them.
-bool skip_dashes(Bytes &text) {
+// Cuts off the dashes that stand at one end of a header.
+Bytes behind_dashes(Bytes text) {
     constexpr size_t kDashes = 5;
-    const bool longer = text.size() > kDashes;
-    text = text.subspan(std::min(text.size(), kDashes));
-    return longer;
+    return text.subspan(std::min(text.size(), kDashes));
 }
 
 // What stands between header and footer, or the whole text when there is no dash in it. The label
@@ -65,10 +63,12 @@ Status body_of(Bytes text, Bytes &out) {
         out = text;
         return Status::ok;
     }
-    if (!skip_dashes(rest) || !skip_to_dash(rest) || !skip_dashes(rest)) {
+    rest = behind_dashes(rest);
+    if (!skip_to_dash(rest)) {
         return Status::text_invalid;
     }
-    const Bytes body = rest;
+    const Bytes body = behind_dashes(rest);
+    rest = body;
     if (!skip_to_dash(rest)) {
         return Status::text_invalid;
     }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
+#include <endian.h>
 #include <string_view>
 
 namespace za::text {
@@ -102,13 +104,23 @@ uint8_t *decode_clean(Bytes &text, uint8_t *to) {
     return to;
 }
 
+uint64_t load_big_endian(const uint8_t *from) {
+    uint64_t number = 0;
+    std::memcpy(&number, from, sizeof number);
+    return be64toh(number);
+}
+
+uint8_t *put_pair(uint8_t *to, uint64_t bits) {
+    return put(to, kPairs[bits]);
+}
+
 uint8_t *encode_rest(Bytes rest, uint8_t *to) {
     if (rest.size() == 1) {
-        to = put(to, kPairs[rest[0] << 4]);
+        to = put_pair(to, uint32_t{rest[0]} << 4);
         *to++ = kPad;
         *to++ = kPad;
     } else if (rest.size() == 2) {
-        to = put(to, kPairs[rest[0] << 4 | rest[1] >> 4]);
+        to = put_pair(to, uint32_t{rest[0]} << 4 | rest[1] >> 4);
         *to++ = character((rest[1] & 15U) << 2);
         *to++ = kPad;
     }
@@ -119,9 +131,18 @@ uint8_t *encode_rest(Bytes rest, uint8_t *to) {
 
 uint8_t *base64_encode(Bytes octets, uint8_t *to) {
     size_t at = 0;
+    for (; octets.size() - at >= sizeof(uint64_t); at += 6) {
+        const uint64_t bits = load_big_endian(octets.data() + at);
+        to = put_pair(to, bits >> 52);
+        to = put_pair(to, bits >> 40 & 0xFFF);
+        to = put_pair(to, bits >> 28 & 0xFFF);
+        to = put_pair(to, bits >> 16 & 0xFFF);
+    }
     for (; octets.size() - at >= 3; at += 3) {
-        to = put(to, kPairs[octets[at] << 4 | octets[at + 1] >> 4]);
-        to = put(to, kPairs[(octets[at + 1] & 15) << 8 | octets[at + 2]]);
+        const uint32_t bits =
+            uint32_t{octets[at]} << 16 | uint32_t{octets[at + 1]} << 8 | octets[at + 2];
+        to = put_pair(to, bits >> 12);
+        to = put_pair(to, bits & 0xFFF);
     }
     return encode_rest(octets.subspan(at), to);
 }
