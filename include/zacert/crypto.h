@@ -149,10 +149,12 @@ ZACERT_API uint32_t ZA_PKCS12_GenRandomFromPassword(uint32_t digestCode, const u
  * ZA_PKCS12_PbeWithDigestAlgoAndEncrypt: writes `plainLen` octets with RC4, otherwise up to 8 more.
  * A NULL `cipher` asks for the length. 139: unknown OID; 100; the codes of the key derivation.
  */
-ZACERT_API uint32_t ZA_PKCS12_PbeWithDigestAlgoAndEncrypt(
-    const uint8_t *oid, uint32_t oidLen, const uint8_t *password, uint32_t passwordLen,
-    const uint8_t *salt, uint32_t saltLen, uint32_t iterations, const uint8_t *plain,
-    uint32_t plainLen, uint8_t *cipher, uint32_t *cipherLen);
+ZACERT_API uint32_t ZA_PKCS12_PbeWithDigestAlgoAndEncrypt(const uint8_t *oid, uint32_t oidLen,
+                                                          const uint8_t *password,
+                                                          uint32_t passwordLen, const uint8_t *salt,
+                                                          uint32_t saltLen, uint32_t iterations,
+                                                          const uint8_t *plain, uint32_t plainLen,
+                                                          uint8_t *cipher, uint32_t *cipherLen);
 
 /*
  * ZA_PKCS12_PbeWithDigestAlgoAndDecrypt: writes at most `cipherLen` octets; with a NULL `plain` it
@@ -161,10 +163,12 @@ ZACERT_API uint32_t ZA_PKCS12_PbeWithDigestAlgoAndEncrypt(
  * 139: unknown OID; 101: also a length that is not a multiple of 8 or, but with RC4, is 0; 100; the
  * codes of the key derivation.
  */
-ZACERT_API uint32_t ZA_PKCS12_PbeWithDigestAlgoAndDecrypt(
-    const uint8_t *oid, uint32_t oidLen, const uint8_t *password, uint32_t passwordLen,
-    const uint8_t *salt, uint32_t saltLen, uint32_t iterations, const uint8_t *cipher,
-    uint32_t cipherLen, uint8_t *plain, uint32_t *plainLen);
+ZACERT_API uint32_t ZA_PKCS12_PbeWithDigestAlgoAndDecrypt(const uint8_t *oid, uint32_t oidLen,
+                                                          const uint8_t *password,
+                                                          uint32_t passwordLen, const uint8_t *salt,
+                                                          uint32_t saltLen, uint32_t iterations,
+                                                          const uint8_t *cipher, uint32_t cipherLen,
+                                                          uint8_t *plain, uint32_t *plainLen);
 
 /*
  * ZA_PKCS12_DESEncrypt: the same ciphers under the caller's own key and IV. Triple DES takes the

@@ -64,8 +64,8 @@ bool Hasher::run(std::initializer_list<Bytes> parts, uint8_t *out) {
 }
 
 bool Hasher::run_libcrypto(std::initializer_list<Bytes> parts, uint8_t *out) {
-    bool done = libcrypto_ != nullptr &&
-                EVP_DigestInit_ex2(libcrypto_, digest_.libcrypto(), nullptr) == 1;
+    bool done =
+        libcrypto_ != nullptr && EVP_DigestInit_ex2(libcrypto_, digest_.libcrypto(), nullptr) == 1;
     for (const Bytes part : parts) {
         done = done && EVP_DigestUpdate(libcrypto_, part.data(), part.size()) == 1;
     }

@@ -20,8 +20,8 @@ constexpr uint32_t kSha512 = 13;
 
 constexpr size_t kMostDigest = 64;
 
-// Where both libraries have a digest, libcrypto's is the one users keep patched; nettle's costs half
-// per call on short inputs.
+// Where both libraries have a digest, libcrypto's is the one users keep patched; nettle's costs
+// half per call on short inputs.
 struct Digest {
     uint32_t number;
     uint32_t size;
