@@ -163,7 +163,7 @@ TEST(Verification, EveryTimeMayEqualItsBound) {
         ca.not_after.set(number(0));
         user.not_before.set(number(1));
         user.not_after.set(number(2));
-        for (const size_t i : {0, 1}) {
+        for (const size_t i : {0u, 1u}) {
             const auto validity = i == 0 ? verify::Validity::beginning : verify::Validity::whole;
             EXPECT_EQ(verify::check_validity(ca, user, validity, uint32_t(number(3))),
                       Status(number(4 + i)));
