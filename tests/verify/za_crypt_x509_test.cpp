@@ -254,7 +254,7 @@ TEST(Verification, RequestsInPem) {
         const Octets pem = pem_of(issued(kRequest, kKeys[family]));
         expect(0, family, kRequest, {}, pem);
         expect(101, family, kRequest, {}, {pem.begin(), pem.end() - 20});
-        expect(101, family, kRequest, {}, pem_of(element(0x30, Octets(125))));
+        expect(101, family, kRequest, {}, pem_of(join({{0x30, 0x7F}, Octets(125)})));
         expect(102, family, kRequest, {}, pem_of(join({{0x30, 0x7F}, Octets(126)})));
     }
 }
