@@ -98,7 +98,7 @@ TEST(CrlAttributes, AreSetAndReadByTheirAccessorsAlone) {
         EXPECT_EQ(crl.set(id, {}), 101u);
         EXPECT_EQ(ZACert_SetCrlAttributeChar(crl, id, nullptr, 1), 108u);
     }
-    expect_table_in_page("# Attributes of a certificate revocation list",
+    expect_page_tells("Attributes of a certificate revocation list",
                          request::crl_attributes());
 }
 
