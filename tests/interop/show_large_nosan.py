@@ -1,6 +1,5 @@
 """The command `show` on a CRL of many entries: one after the other, in little memory."""
 
-import json
 import multiprocessing
 import os
 import subprocess
@@ -10,15 +9,13 @@ from support import oracle
 from support.case import ShowTest
 from support.lists import crl_of, tlv
 
-NUM_ENTRIES = 1000000
+COUNT = 1000000
 TIME = tlv(0x17, b"260102030405Z")
-LAST = {"serial": (b"\1%015d" % (NUM_ENTRIES - 1)).hex(), "reason": "keyCompromise",
-        "revocation_date": "2026-01-02T03:04:05Z"}
 
 
 def write_crl(path):
     entry = b"\2\x10\1%015d" + TIME + bytes.fromhex("300c300a0603551d1504030a0101")
-    path.write_bytes(crl_of(TIME, b"".join(tlv(0x30, entry % i) for i in range(NUM_ENTRIES))))
+    path.write_bytes(crl_of(TIME, b"".join(tlv(0x30, entry % i) for i in range(COUNT))))
 
 
 class Large(ShowTest):
@@ -30,21 +27,15 @@ class Large(ShowTest):
         maker.join()
         # The file, one copy in the library, and the tool with its libraries.
         most = 2 * path.stat().st_size + 16 * 1024 * 1024
-        for form, start in (("json", b'      {"serial"'), ("text", b"        01:3")):
-            with self.subTest(form):
-                traced = os.path.getsize(log)
-                with subprocess.Popen([oracle.TOOL, "show", "--format", form, path],
-                                      stdout=subprocess.PIPE) as tool:
-                    shown, entry = 0, b""
-                    for line in tool.stdout:
-                        if line.startswith(start):
-                            shown, entry = shown + 1, line
-                    _, tool.returncode, usage = os.wait4(tool.pid, 0)
-                self.assertEqual((tool.returncode, shown), (0, NUM_ENTRIES))
-                self.assertLess(usage.ru_maxrss * 1024, most)
-                self.assertLess(os.path.getsize(log) - traced, 100000)
-                if form == "json":
-                    self.assertEqual(json.loads(entry), LAST)
+        for form, start in (("json", b'      {"serial":"013'), ("text", b"        01:3")):
+            traced = os.path.getsize(log)
+            with subprocess.Popen([oracle.TOOL, "show", "--format", form, path],
+                                  stdout=subprocess.PIPE) as tool:
+                shown = sum(line.startswith(start) for line in tool.stdout)
+                _, tool.returncode, usage = os.wait4(tool.pid, 0)
+            self.assertEqual((tool.returncode, shown), (0, COUNT))
+            self.assertLess(usage.ru_maxrss * 1024, most)
+            self.assertLess(os.path.getsize(log) - traced, 100000)
 
 
 if __name__ == "__main__":
