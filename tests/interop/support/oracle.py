@@ -17,10 +17,8 @@ KEY_USAGES = {
 
 # Names with attribute types by number and string types shown, the five extensions, and of the rest
 # of the text the public key alone.
-NAME_OPTIONS = [
-    "-nameopt", "oid,sep_multiline,utf8,esc_2253,esc_ctrl,show_type,dump_nostr,dump_der"]
 X509_OPTIONS = [
-    "-noout", *NAME_OPTIONS,
+    "-noout", "-nameopt", "oid,sep_multiline,utf8,esc_2253,esc_ctrl,show_type,dump_nostr,dump_der",
     "-subject", "-issuer", "-serial", "-dates",
     "-ext", "subjectKeyIdentifier,authorityKeyIdentifier,keyUsage,basicConstraints,subjectAltName",
     "-text", "-certopt", "no_header,no_version,no_serial,no_signame,no_issuer,no_validity,"
@@ -75,20 +73,11 @@ def by_openssl(certificate, form="PEM"):
         "not_after": time_of_openssl(fields["notAfter"]),
         "bits": int(bits[1]) if bits else None,
     }
-    return facts | extensions_of_openssl(head)
-
-
-def extensions_of_openssl(text):
-    facts = {}
     for title, read, member, _ in EXTENSIONS:
-        found = re.search(rf"^X509v3 {title}: ?(critical)?\n((?:    .*\n)*)", text, re.M)
+        found = re.search(rf"^X509v3 {title}: ?(critical)?\n((?:    .*\n)*)", head, re.M)
         if found:
             facts[member] = (read(found[2].strip()), found[1] is not None)
     return facts
-
-
-def name_of_tool(name):
-    return [[(a["oid"], a["string_type"].upper(), a["value"]) for a in rdn] for rdn in name]
 
 
 def name_of_openssl(text):
@@ -110,15 +99,14 @@ def time_of_openssl(text):
 
 def by_tool(certificate):
     """The same facts out of one object of the tool's JSON."""
-    facts = {name: name_of_tool(certificate[name]) for name in ("subject", "issuer")}
+    facts = {name: [[(a["oid"], a["string_type"].upper(), a["value"]) for a in rdn]
+                    for rdn in certificate[name]] for name in ("subject", "issuer")}
     # openssl does not tell the size of Edwards curves' keys.
     key = certificate["public_key"]
     bits = None if key["algorithm"].startswith("Ed") else key.get("bits")
     facts |= {"serial": certificate["serial"], **certificate["validity"], "bits": bits}
-    return facts | extensions_of_tool(certificate["extensions"])
-
-
-def extensions_of_tool(extensions):
-    return {member: (read(extension[member]), extension["critical"])
-            for extension in extensions for _, _, member, read in EXTENSIONS
-            if member in extension}
+    for extension in certificate["extensions"]:
+        for _, _, member, read in EXTENSIONS:
+            if member in extension:
+                facts[member] = (read(extension[member]), extension["critical"])
+    return facts
