@@ -54,13 +54,10 @@ class Builder {
 
     size_t size() const { return size_; }
 
-    // What finish() would tell: for those who use bytes() before.
-    Status status() const { return status_; }
-
     // What was written so far; it moves with the next octet.
     Bytes bytes() const { return block_.bytes().first(size_); }
 
-    // Whether all so far found room, for whoever tells which part did not.
+    // What finish() would tell, for those who use bytes() before or say which part failed.
     Status status() const { return status_; }
 
     Status finish(Octets &out);

@@ -98,8 +98,7 @@ TEST(CrlAttributes, AreSetAndReadByTheirAccessorsAlone) {
         EXPECT_EQ(crl.set(id, {}), 101u);
         EXPECT_EQ(ZACert_SetCrlAttributeChar(crl, id, nullptr, 1), 108u);
     }
-    expect_page_tells("Attributes of a certificate revocation list",
-                         request::crl_attributes());
+    expect_page_tells("Attributes of a certificate revocation list", request::crl_attributes());
 }
 
 TEST(CrlAttributes, SomeHaveLinesOfTheirOwn) {
