@@ -10,13 +10,8 @@ lib = ctypes.CDLL(os.environ["ZACERT_LIB"])
 
 POINT = "3059301306072a8648ce3d020106082a8648ce3d03010703420004"  # of a key's DER, before x and y
 
-CONFIGURATION = """[ca]
-default_ca = only
-[only]
-database = database
-default_md = sha256
-default_crl_days = 30
-"""
+CONFIGURATION = ("[ca]\ndefault_ca = only\n"
+                 "[only]\ndatabase = database\ndefault_md = sha256\ndefault_crl_days = 30\n")
 TEMPLATE = """organization = "Organisation"
 cn = "%s"
 expiration_days = %d
@@ -24,7 +19,8 @@ crl_next_update = 30
 crl_number = 1
 """
 
-SIGN = {"openssl": {"ca": "req -x509 -new -key ca.key -subj /O=Organisation/CN=CA -days 60 -out ca.pem",
+SIGN = {"openssl": {"ca": "req -x509 -new -key ca.key -subj /O=Organisation/CN=CA -days 60 "
+                          "-out ca.pem",
                     "request": "req -new -key user.key -subj /CN=user.example -out request.pem "
                                "-addext subjectAltName=DNS:user.example",
                     "certificate": "x509 -req -in request.pem -CA ca.pem -CAkey ca.key -days 30 "
