@@ -1,12 +1,11 @@
 #include "cert/za_cert_attributes.hpp"
 
 #include "cert/za_cert_support.hpp"
+#include "support/attribute_page.hpp"
 #include "support/heap.hpp"
 #include "support/trace.hpp"
 
 #include <algorithm>
-#include <cstdlib>
-#include <fstream>
 
 namespace za::test {
 namespace {
@@ -121,24 +120,8 @@ TEST(CertificateAttributes, GettersThatMakeTextSurviveFaults) {
     }
 }
 
-// ZACERT_WRITE_PAGES=1 in the environment writes the page's table instead of comparing it.
 TEST(CertificateAttributes, ThePageTellsWhatTheRowsTell) {
-    const std::string path = ZACERT_TEST_DATA "/../../docs/attributes.md";
-    const Octets page = read_file(path);
-    const std::string written(page.begin(), page.end());
-    constexpr std::string_view kTable = "|---|---|---|---|---|\n";
-    std::string made = written.substr(0, written.find(kTable)) + std::string(kTable);
-    for (const auto &row : cert::attributes().rows()) {
-        const bool is_int = row.set_int != nullptr;
-        made += "| " + std::to_string(row.id) + " | `" + row.texts.name + "` | ";
-        made += is_int ? "Int | " : "Char | ";
-        made += is_int || row.set != nullptr ? "yes | " : " | ";
-        made += row.get_int != nullptr || row.get != nullptr ? "yes |\n" : " |\n";
-    }
-    if (std::getenv("ZACERT_WRITE_PAGES") != nullptr) {
-        std::ofstream(path) << made;
-    }
-    EXPECT_EQ(written, made);
+    expect_page_tells("Attributes of a certificate", cert::attributes());
 }
 
 }  // namespace
