@@ -89,7 +89,7 @@ Status encode_issuer_suject(ZI_Name &name, Chain &out);
 // ZI_EncodeCertIssuerSuject: `table` has 256 octets, or is NULL for zeros.
 Status encode_cert_issuer_suject(ZI_Name &name, const uint8_t *table, Chain &out);
 
-// The same behind what `out` has already.
+// The same for signed objects: a value that finds no memory is Status::memory.
 Status write_cert_issuer_suject(ZI_Name &name, const uint8_t *table, asn1::Builder &out);
 
 // The string types a caller may choose.
