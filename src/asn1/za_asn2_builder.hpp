@@ -5,7 +5,7 @@
 #include "asn1/za_asn2_header.hpp"
 #include "runtime/anybuf.hpp"
 #include "runtime/bytes.hpp"
-#include "runtime/status.hpp"
+#include "runtime/trace.hpp"
 
 #include <type_traits>
 
@@ -81,5 +81,16 @@ class Builder {
     size_t size_ = 0;
     Status status_ = Status::ok;
 };
+
+// Hands out what `write` writes as a record of the caller's; NULL where it writes nothing.
+template <class Write>
+Status hand_out_built(Anybuf **out, const Write &write) {
+    Builder built;
+    Chain record;
+    ZA_PASS(write(built));
+    ZA_PASS(built.finish(record));
+    *out = record.release();
+    return Status::ok;
+}
 
 }  // namespace za::asn1

@@ -77,12 +77,11 @@ uint32_t ZACert_SetCrlAttributeChar(void *ctx, int32_t type, const uint8_t *valu
                                     int32_t valueLen) {
     return trace.exported([&] {
         ZA_PASS(trace.need(ctx));
-        if (valueLen <= 0) {
-            return trace.fail(Status::length);
-        }
-        ZA_PASS(trace.need(value));
-        return za::request::crl_attributes().set(trace, *static_cast<Crl *>(ctx), type,
-                                                 Bytes(value, static_cast<size_t>(valueLen)));
+        const bool has_value = valueLen > 0;
+        ZA_PASS(has_value ? trace.need(value) : Status::ok);
+        return za::request::set_crl_attribute(
+            *static_cast<Crl *>(ctx), type,
+            has_value ? Bytes(value, static_cast<size_t>(valueLen)) : Bytes{});
     });
 }
 

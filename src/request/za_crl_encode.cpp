@@ -1,8 +1,7 @@
 #include "asn1/za_asn2_builder.hpp"
-#include "asn1/za_asn2_writer.hpp"
 #include "cert/za_cert_part_encode.hpp"
 #include "names/za_low_oid.hpp"
-#include "request/za_crl_context.hpp"
+#include "request/za_crl_attributes.hpp"
 #include "request/za_crl_times.hpp"
 #include "runtime/trace.hpp"
 
@@ -202,9 +201,7 @@ Status write_tbs(Crl &crl, size_t revoked, Builder &out) {
 Status sign(Crl &crl, Bytes tbs) {
     Octets signature;
     ZA_PASS(crl.signer.sign_list(trace, tbs, signature));
-    ZA_TRY(ZACert_SetCrlAttributeChar,
-           static_cast<Status>(ZACert_SetCrlAttributeChar(&crl, CRL_CA_SIGNATURE, signature.data(),
-                                                          static_cast<int32_t>(signature.size()))));
+    ZA_TRY(ZACert_SetCrlAttributeChar, set_crl_attribute(crl, CRL_CA_SIGNATURE, signature.bytes()));
     return Status::ok;
 }
 
@@ -247,29 +244,8 @@ Status encode_crl(Crl &crl) {
 
 using za::Status;
 using za::asn1::Builder;
+using za::asn1::hand_out_built;
 using za::request::Crl;
-
-namespace {
-
-// One element in a record of the caller's; NULL where nothing was written.
-template <class Write>
-Status hand_out_element(Anybuf **out, const Write &write) {
-    Builder element;
-    za::Octets octets;
-    za::Chain record;
-    ZA_PASS(write(element));
-    ZA_PASS(element.finish(octets));
-    if (!octets.empty()) {
-        ZA_TRY(ZAsn1_Low_CreateAnyBuf, za::asn1::create_record(record));
-        record.head()->dataType = za::asn1::tag_of(octets.bytes()[0]);
-        record.head()->dataLen = za::to_u32(octets.size());
-        record.head()->data = octets.release();
-    }
-    *out = record.release();
-    return Status::ok;
-}
-
-}  // namespace
 
 uint32_t ZACert_SetCrlSignFunc(void *ctx, ZACertSignFunc func, const uint8_t *key, int32_t keyLen) {
     return trace.exported([&] {
@@ -294,7 +270,7 @@ uint32_t ZI_CRL_EncodeRevokedCRL(void *ctx, Anybuf **out) {
     return trace.exported([&] {
         ZA_PASS(trace.need(ctx, out));
         const auto &revoked = static_cast<Crl *>(ctx)->revoked;
-        return hand_out_element(out, [&](Builder &to) {
+        return hand_out_built(out, [&](Builder &to) {
             return za::request::write_revoked(revoked, za::request::entries_size(revoked), to);
         });
     });
@@ -303,7 +279,7 @@ uint32_t ZI_CRL_EncodeRevokedCRL(void *ctx, Anybuf **out) {
 uint32_t ZI_CRL_WriteEntryExtension(Anybuf *reason, Anybuf **out) {
     return trace.exported([&] {
         ZA_PASS(trace.need(reason, out));
-        return hand_out_element(out, [&](Builder &to) {
+        return hand_out_built(out, [&](Builder &to) {
             za::request::write_entry_extensions(za::bytes_of(*reason), to);
             return Status::ok;
         });
@@ -313,7 +289,7 @@ uint32_t ZI_CRL_WriteEntryExtension(Anybuf *reason, Anybuf **out) {
 uint32_t ZI_Crl_EncodeExtensions(void *ctx, Anybuf **out) {
     return trace.exported([&] {
         ZA_PASS(trace.need(ctx, out));
-        return hand_out_element(out, [&](Builder &to) {
+        return hand_out_built(out, [&](Builder &to) {
             za::request::write_extensions(*static_cast<Crl *>(ctx), to);
             return Status::ok;
         });
@@ -323,7 +299,7 @@ uint32_t ZI_Crl_EncodeExtensions(void *ctx, Anybuf **out) {
 uint32_t ZI_Crl_EncodeCRLDPs(void *ctx, Anybuf **out) {
     return trace.exported([&] {
         ZA_PASS(trace.need(ctx, out));
-        return hand_out_element(out, [&](Builder &to) {
+        return hand_out_built(out, [&](Builder &to) {
             za::request::write_distribution_point(static_cast<Crl *>(ctx)->distribution_point, to);
             return Status::ok;
         });
