@@ -13,7 +13,7 @@ install: all ## install them below PREFIX (/usr/local); DESTDIR is put before it
 test: ## run everything a change must pass
 	scripts/test
 
-demo: ## show the system's root certificates, or the file CERT=...
+demo: ## make a small PKI and let openssl check it, or show the file CERT=...
 	scripts/install-packages build demo
 	@test -f build/gcc/build.ninja || cmake --preset gcc -D ZACERT_BUILD_TESTS=OFF
 	cmake --build build/gcc --target zacert-tool

@@ -1,5 +1,9 @@
 # Writes MAP, a linker version script that exports every function the HEADERS declare. A declaration begins a line with
-# "ZACERT_API "; it may go on over further lines, and its name stands before the first "(". NODE names the version.
+# "ZACERT_API "; it may go on over further lines, and its name stands before the first "(". NODE names the version,
+# ZACERT_1 where it is not given.
+if(NOT NODE)
+  set(NODE ZACERT_1)
+endif()
 set(names)
 foreach(header IN LISTS HEADERS)
   file(READ ${header} text)

@@ -42,7 +42,8 @@ int run(int argc, char **argv) {
 
     std::vector<std::string> files;
     std::string format = "text";
-    CLI::App *show = app.add_subcommand("show", "Show certificates in DER or PEM.");
+    CLI::App *show =
+        app.add_subcommand("show", "Show certificates, CRLs and requests in DER or PEM.");
     show->footer(kExamples);
     show->add_option("--format", format, "text, json or table")
         ->check(CLI::IsMember(formats))

@@ -107,6 +107,11 @@ constexpr auto kNames = std::to_array<Row>({
     {"1.3.6.1.4.1.311.20.2.3", "userPrincipalName"},
     {"1.3.6.1.5.5.7.8.7", "dnsSRV"},
     {"1.3.6.1.5.5.7.8.9", "smtpUTF8Mailbox"},
+
+    // Instructions of entries on hold
+    {"1.2.840.10040.2.1", "none"},
+    {"1.2.840.10040.2.2", "callIssuer"},
+    {"1.2.840.10040.2.3", "reject"},
 });
 
 struct Curve {

@@ -8,7 +8,7 @@ namespace tool {
 
 enum class Format { text, json, table };
 
-// Shows every certificate of every file on standard output, and says on standard error what could
+// Shows every object of every file on standard output, and says on standard error what could
 // not be shown. Whether all could.
 bool show(const std::vector<std::string> &files, Format format);
 

@@ -1,8 +1,5 @@
 #include "gm.hpp"
 
-#include <cstring>
-#include <string_view>
-
 namespace zacert_gm {
 namespace {
 

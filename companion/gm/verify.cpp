@@ -16,8 +16,8 @@ struct VerifyId {
 
 thread_local VerifyId verify_id;
 
-int32_t verify(const Curve &curve, const ZA_ECCPOINT &pub, Bytes digest, Bytes der,
-               uint32_t *result) {
+int32_t verify_der(const Curve &curve, const ZA_ECCPOINT &pub, Bytes digest, Bytes der,
+                   uint32_t *result) {
     const Key key = make_key(curve, pub);
     const std::unique_ptr<EVP_PKEY_CTX, Release<EVP_PKEY_CTX_free>> context(
         key ? EVP_PKEY_CTX_new_from_pkey(nullptr, key.get(), nullptr) : nullptr);
@@ -49,7 +49,7 @@ int32_t verify(const Curve &curve, const ZA_ECCPOINT &pub, Bytes digest,
     if (len <= 0) {
         return ZACERT_MemoryErr;
     }
-    return verify(curve, pub, digest, Bytes(der.data(), static_cast<size_t>(len)), result);
+    return verify_der(curve, pub, digest, Bytes(der.data(), static_cast<size_t>(len)), result);
 }
 
 struct Call {
@@ -156,5 +156,5 @@ int32_t zacert_gm_sm2_verify_pkcs7(const uint8_t *digest, uint32_t digestLen, co
         return ZACERT_LengthErr;
     }
     const ErrorMark mark;
-    return verify(kSm2, identity.pub, {digest, digestLen}, {sig, sigLen}, result);
+    return verify_der(kSm2, identity.pub, {digest, digestLen}, {sig, sigLen}, result);
 }

@@ -1,7 +1,6 @@
 #include "token.hpp"
 
 #include <cerrno>
-#include <charconv>
 #include <fcntl.h>
 #include <unistd.h>
 

@@ -75,7 +75,10 @@ ZACERT_API uint32_t ZACert_CreateCertEncodeCtx_Ex(void **ctx, const uint8_t *der
 ZACERT_API uint32_t ZACert_CreateCertEncodeCtx_Ex_ForAKid(void **ctx, const uint8_t *derIssuCert,
                                                           uint32_t derIssuCertLen);
 
-/* ZACert_CreateCertDecodeCtx: the same as ZACert_CreateCertEncodeCtx; destroyed with ZACert_DestroyCertDecodeCtx. */
+/*
+ * ZACert_CreateCertDecodeCtx: the same as ZACert_CreateCertEncodeCtx; destroyed with
+ * ZACert_DestroyCertDecodeCtx.
+ */
 ZACERT_API uint32_t ZACert_CreateCertDecodeCtx(void **ctx);
 
 /* ZACert_DestroyCertEncodeCtx: releases a context and all it holds; NULL is accepted. Returns 0. */

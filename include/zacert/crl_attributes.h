@@ -15,7 +15,7 @@ typedef enum ZA_CrlAttribute {
     CRL_VERSION = 1004, /* Int SG: 1 for version 2, which others expect; always written */
     CRL_INNER_SIGNATUREALGORITHM = 1005, /* Char SG: signature algorithm OID inside the TBS */
 
-    CRL_ISSUER_DN = 1006, /* Char G: issuer as text, in the form of ZI_GetDN, made on first request */
+    CRL_ISSUER_DN = 1006,          /* Char G: issuer as text (ZI_GetDN), made on first request */
     CRL_ISSUER_COUNTRYNAME = 1007, /* Char SG, as all up to 1016: a name entry, appended */
     CRL_ISSUER_STATEORPROVINCENAME = 1008,
     CRL_ISSUER_LOCALITYNAME = 1009,

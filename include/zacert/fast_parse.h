@@ -19,18 +19,18 @@ extern "C" {
 
 /* ZA_CERTINFO: what is read. Fields that a mode does not select stay as they are. */
 typedef struct ZA_CERTINFO {
-    uint8_t issuerCN[513];   /* first common name and a zero octet */
-    uint8_t subjectCN[512];  /* likewise */
-    uint8_t serial[131];     /* octets of the INTEGER, without a leading 00 */
-    uint32_t serialLen;      /* */
+    uint8_t issuerCN[513];  /* first common name and a zero octet */
+    uint8_t subjectCN[512]; /* likewise */
+    uint8_t serial[131];    /* octets of the INTEGER, without a leading 00 */
+    uint32_t serialLen;
     int32_t notBefore;       /* of a UTCTime; 0 of a GeneralizedTime */
     int32_t notAfter;        /* likewise */
     uint8_t publicKey[2048]; /* content of the BIT STRING, or a ZA_ECCKEYBLOCK */
-    uint32_t publicKeyLen;   /* */
+    uint32_t publicKeyLen;
     uint8_t issuerDer[1024]; /* the issuer's Name */
-    uint32_t issuerDerLen;   /* */
-    uint8_t keyAlgOid[128];  /* content octets of the key algorithm's OID */
-    uint32_t keyAlgOidLen;   /* */
+    uint32_t issuerDerLen;
+    uint8_t keyAlgOid[128]; /* content octets of the key algorithm's OID */
+    uint32_t keyAlgOidLen;
 } ZA_CERTINFO;
 
 /*

@@ -1,6 +1,6 @@
 /*
- * identity.h - the identity numbers that China's national certificate standard puts into extensions
- * of certificates: of persons (identity card, officer card, passport) and of organisations.
+ * identity.h - identity numbers that China's national certificate standard (GB/T 20518) puts into
+ * extensions of certificates: of persons (identity card, officer card, passport) and organisations.
  *
  * Example: a passport number, as an extension that is not critical.
  *

@@ -5,7 +5,7 @@
 #include "asn1/za_asn2_header.hpp"
 #include "runtime/anybuf.hpp"
 #include "runtime/bytes.hpp"
-#include "runtime/status.hpp"
+#include "runtime/trace.hpp"
 
 #include <type_traits>
 
@@ -32,8 +32,8 @@ class Builder {
     Status utc_time(int32_t time);          // ZAsn1_WriteUtcTime
     Status generalized_time(int32_t time);  // ZAsn1_WriteGeneralizedTime
 
-    // `content` writes what stands inside; a Status it returns is passed on. About `expected` octets
-    // of content spare moving them when the header turns out longer.
+    // `content` writes what stands inside; a Status it returns is passed on. Where the size of the
+    // content is known about, telling it as `expected` spares moving the content.
     template <class Content>
     auto wrapped(uint8_t identifier, const Content &content, size_t expected = 0) {
         const Open open = begin(identifier, expected);
@@ -57,7 +57,7 @@ class Builder {
     // What was written so far; it moves with the next octet.
     Bytes bytes() const { return block_.bytes().first(size_); }
 
-    // Whether all so far found room, for whoever tells which part did not.
+    // What finish() would tell, for those who use bytes() before or say which part failed.
     Status status() const { return status_; }
 
     Status finish(Octets &out);
@@ -81,5 +81,16 @@ class Builder {
     size_t size_ = 0;
     Status status_ = Status::ok;
 };
+
+// Hands out what `write` writes as a record of the caller's; NULL where it writes nothing.
+template <class Write>
+Status hand_out_built(Anybuf **out, const Write &write) {
+    Builder built;
+    Chain record;
+    ZA_PASS(write(built));
+    ZA_PASS(built.finish(record));
+    *out = record.release();
+    return Status::ok;
+}
 
 }  // namespace za::asn1

@@ -47,25 +47,6 @@ Status decode_version_and_serial(Children &fields, Certificate &cert) {
     return Status::ok;
 }
 
-// signatureAlgorithm AlgorithmIdentifier, signatureValue BIT STRING; each may be missing.
-Status decode_signature(Children fields, Certificate &cert) {
-    Element field;
-    if (!fields.next(field)) {
-        return Status::ok;
-    }
-    Children algorithm;
-    // The text names another function; readers of logs know it so.
-    ZA_TRY(ZI_Cert_DecodeTBS, asn1::read_sequence(field, algorithm));
-    ZA_PASS(decode_algorithm(kWalk, algorithm, cert.outer_algorithm));
-    if (!fields.next(field)) {
-        return Status::ok;
-    }
-    asn1::Content signature;
-    ZA_TRY(ZAsn1_ReadBitString, asn1::read_bit_string(field, signature));
-    cert.signature.refer(signature.octets);
-    return Status::ok;
-}
-
 }  // namespace
 
 Status take_field(Children &fields, Element &out) {
@@ -74,16 +55,8 @@ Status take_field(Children &fields, Element &out) {
 
 // Certificate ::= SEQUENCE { tbsCertificate, signatureAlgorithm, signatureValue }
 Status decode_certificate(Certificate &cert, Bytes in) {
-    if (in.data() == nullptr) {
-        return trace.fail(Status::general);
-    }
-    asn1::Header header;
-    ZA_TRY(ZAsn1_GetCertLength, asn1::read_header(in, header));
-    if (header.total > in.size()) {
-        return trace.fail(Status::length_not_equal);
-    }
     Bytes whole;
-    ZA_PASS(cert.kept.keep(trace, in.first(header.total), whole));
+    ZA_PASS(keep_object(kWalk, in, cert.kept, whole));
     cert.whole.refer(whole);
 
     Children fields;
@@ -93,7 +66,9 @@ Status decode_certificate(Certificate &cert, Bytes in) {
         return Status::ok;
     }
     ZA_TRY(ZI_Cert_DecodeTBS, decode_tbs(cert, tbs));
-    return decode_signature(fields, cert);
+    // The text names another function; readers of logs know it so.
+    return decode_signature(kWalk, fields, "------>ZI_Cert_DecodeTBS", cert.outer_algorithm,
+                            cert.signature);
 }
 
 // TBSCertificate ::= SEQUENCE { version, serialNumber, signature, issuer, validity, subject,
@@ -138,28 +113,21 @@ using za::Status;
 using za::asn1::Children;
 using za::asn1::Element;
 using za::cert::Certificate;
+using za::cert::decode_kept;
+using za::cert::kWalk;
 
 namespace {
-
-// Runs a body on a copy of the caller's element that lives as long as the context.
-template <class Decode>
-Status decode_kept(void *ctx, const Anybuf *element, const Decode &decode) {
-    ZA_PASS(trace.need(ctx, element));
-    auto &cert = *static_cast<Certificate *>(ctx);
-    Bytes kept;
-    ZA_PASS(cert.kept.keep(trace, za::bytes_of(*element), kept));
-    return decode(cert, Element(kept));
-}
 
 // The same for the chain of an extension's elements.
 Status decode_extension(void *ctx, const Anybuf *elements, za::cert::ExtensionDecoder decode) {
     za::Chain sequence;
     ZA_TRY(ZAsn1_WriteSequence, za::asn1::write_sequence(elements, sequence));
-    return decode_kept(ctx, sequence.head(), [&](Certificate &cert, const Element &extension) {
-        Children children;
-        ZA_TRY(ZAsn1_ReadSequence, za::asn1::read_sequence(extension, children));
-        return decode(cert, children);
-    });
+    return decode_kept<Certificate>(
+        kWalk, ctx, sequence.head(), [&](Certificate &cert, const Element &extension) {
+            Children children;
+            ZA_TRY(ZAsn1_ReadSequence, za::asn1::read_sequence(extension, children));
+            return decode(cert, children);
+        });
 }
 
 }  // namespace
@@ -179,12 +147,14 @@ uint32_t ZACert_DecodeCert(void *ctx, const uint8_t *der, uint32_t derLen) {
 }
 
 uint32_t ZI_Cert_DecodeTBS(void *ctx, Anybuf *tbs) {
-    return trace.exported([&] { return decode_kept(ctx, tbs, za::cert::decode_tbs); });
+    return trace.exported(
+        [&] { return decode_kept<Certificate>(kWalk, ctx, tbs, za::cert::decode_tbs); });
 }
 
 uint32_t ZI_Cert_DecodeExtensions(Anybuf *wrapper, void *extBlock) {
-    return trace.exported(
-        [&] { return decode_kept(extBlock, wrapper, za::cert::decode_extensions); });
+    return trace.exported([&] {
+        return decode_kept<Certificate>(kWalk, extBlock, wrapper, za::cert::decode_extensions);
+    });
 }
 
 uint32_t ZI_Cert_DecodeExtension_BasicConstraint(Anybuf *elements, void *extBlock) {

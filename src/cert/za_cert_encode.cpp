@@ -78,12 +78,8 @@ namespace {
 template <class Write>
 Status hand_out_written(void *ctx, Anybuf **out, const Write &write) {
     ZA_PASS(trace.need(ctx, out));
-    Builder built;
-    Chain record;
-    ZA_PASS(write(*static_cast<Certificate *>(ctx), built));
-    ZA_PASS(built.finish(record));
-    *out = record.release();
-    return Status::ok;
+    return za::asn1::hand_out_built(
+        out, [&](Builder &to) { return write(*static_cast<Certificate *>(ctx), to); });
 }
 
 }  // namespace

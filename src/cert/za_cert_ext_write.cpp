@@ -37,8 +37,7 @@ Status write_extension(Bytes oid, uint8_t critical, bool critical_always, const 
     return out.status();
 }
 
-// SEQUENCE { keyIdentifier [0] OCTET STRING, authorityCertIssuer [1] GeneralNames,
-//     authorityCertSerialNumber [2] INTEGER }, all OPTIONAL
+// authorityCertIssuer [1] GeneralNames, of which there is one
 Status write_authority_issuer(names::NameList &issuer, Chain &out) {
     ZI_GeneralName record{};
     record.present[names::kDirectoryName] = 1;
@@ -49,7 +48,8 @@ Status write_authority_issuer(names::NameList &issuer, Chain &out) {
     return Status::ok;
 }
 
-// A leading 00 goes with the tag, as with every number that is tagged implicitly here.
+// authorityCertSerialNumber [2] INTEGER. A leading 00 goes with the tag, as with every number that
+// is tagged implicitly here.
 Status write_authority_serial(Bytes serial, Chain &out) {
     Chain number;
     ZA_TRY(ZAsn1_WriteIntegerArray, asn1::write_integer_array(serial, number));
@@ -57,6 +57,8 @@ Status write_authority_serial(Bytes serial, Chain &out) {
     return Status::ok;
 }
 
+// AuthorityKeyIdentifier ::= SEQUENCE { keyIdentifier [0] OCTET STRING, authorityCertIssuer [1]
+//     GeneralNames, authorityCertSerialNumber [2] INTEGER }, all OPTIONAL
 Status write_authority_key_identifier(Certificate &cert, Builder &out) {
     constexpr uint8_t kKeyIdentifier = 0x80;
     AuthorityKeyIdentifier &identifier = cert.authority_key_identifier;

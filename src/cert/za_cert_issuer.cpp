@@ -1,4 +1,6 @@
 // Contexts for certificates that a given CA issues.
+#include "cert/za_cert_issuer.hpp"
+
 #include "cert/za_cert_accessors.hpp"
 #include "cert/za_cert_attributes.hpp"
 #include "cert/za_cert_decode.hpp"
@@ -18,28 +20,28 @@ constexpr za::TraceSource trace{".\\src\\za_cert"};
 }  // namespace
 
 namespace za::cert {
-namespace {
 
-constexpr size_t kLongestName = 2048;
-
-struct Destroy {
-    void operator()(Certificate *cert) const { destroy_in_heap(cert); }
-};
-using Context = std::unique_ptr<Certificate, Destroy>;
-
-Status decode_ca(Certificate &ca, const uint8_t *der, uint32_t der_len) {
+Status decode_ca(const TraceSource &trace, const uint8_t *der, uint32_t der_len, Certificate &out) {
+    constexpr size_t kLongestName = 2048;
     if (der == nullptr) {
         return trace.fail(Status::general, "------>pDerIssuCert is NULL");
     }
     if (der_len == 0) {
         return trace.fail(Status::general, "------>pDerIssuCertLen<=0");
     }
-    ZA_TRY(ZACert_DecodeCert, decode_certificate(ca, {der, der_len}));
-    if (ca.subject.der.bytes().size() > kLongestName) {
+    ZA_TRY(ZACert_DecodeCert, decode_certificate(out, {der, der_len}));
+    if (out.subject.der.bytes().size() > kLongestName) {
         return trace.fail(Status::length);
     }
     return Status::ok;
 }
+
+namespace {
+
+struct Destroy {
+    void operator()(Certificate *cert) const { destroy_in_heap(cert); }
+};
+using Context = std::unique_ptr<Certificate, Destroy>;
 
 Status set_issuer_name(const Certificate &ca, Certificate &cert) {
     ZA_TRY(ZACert_SetCertAttributeChar,
@@ -176,7 +178,7 @@ uint32_t ZACert_CreateCertEncodeCtx_Ex(void **ctx, const uint8_t *derIssuCert,
         ZA_PASS(trace.need(ctx));
         Certificate ca;
         Context cert;
-        ZA_PASS(za::cert::decode_ca(ca, derIssuCert, derIssuCertLen));
+        ZA_PASS(za::cert::decode_ca(trace, derIssuCert, derIssuCertLen, ca));
         ZA_PASS(za::cert::create_for(ca, cert));
         *ctx = cert.release();
         return Status::ok;
@@ -189,7 +191,7 @@ uint32_t ZACert_CreateCertEncodeCtx_Ex_ForAKid(void **ctx, const uint8_t *derIss
         ZA_PASS(trace.need(ctx));
         Certificate ca;
         Context cert;
-        ZA_PASS(za::cert::decode_ca(ca, derIssuCert, derIssuCertLen));
+        ZA_PASS(za::cert::decode_ca(trace, derIssuCert, derIssuCertLen, ca));
         ZA_PASS(za::cert::create_for(ca, cert));
         ZA_PASS(za::cert::set_issuer_certificate(ca, *cert));
         *ctx = cert.release();

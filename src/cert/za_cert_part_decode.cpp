@@ -11,6 +11,19 @@ using asn1::Children;
 using asn1::Element;
 using asn1::Implicit;
 
+Status keep_object(const Walk &walk, Bytes in, Kept &kept, Bytes &whole) {
+    const TraceSource &trace = walk.trace;
+    if (in.data() == nullptr) {
+        return trace.fail(Status::general);
+    }
+    asn1::Header header;
+    ZA_TRY(ZAsn1_GetCertLength, asn1::read_header(in, header));
+    if (header.total > in.size()) {
+        return trace.fail(Status::length_not_equal);
+    }
+    return kept.keep(trace, in.first(header.total), whole);
+}
+
 Status take_field(const Walk &walk, Children &fields, Element &out) {
     if (!fields.next(out)) {
         return walk.trace.fail(walk.missing);
@@ -82,6 +95,26 @@ Status decode_public_key(const Walk &walk, const Element &info, PublicKey &out) 
     Octets record;
     ZA_TRY(ZACERT_EncodeEccPubKey, keys::encode_ecc_public_key(key.ecc, record));
     out.bits.take(std::move(record));
+    return Status::ok;
+}
+
+// signatureAlgorithm AlgorithmIdentifier, signatureValue BIT STRING
+Status decode_signature(const Walk &walk, Children fields, const char *text, Field &algorithm,
+                        Field &signature) {
+    const TraceSource &trace = walk.trace;
+    Element field;
+    Children sequence;
+    asn1::Content bits;
+    if (!fields.next(field)) {
+        return Status::ok;
+    }
+    ZA_TRY_AS(text, asn1::read_sequence(field, sequence));
+    ZA_PASS(decode_algorithm(walk, sequence, algorithm));
+    if (!fields.next(field)) {
+        return Status::ok;
+    }
+    ZA_TRY(ZAsn1_ReadBitString, asn1::read_bit_string(field, bits));
+    signature.refer(bits.octets);
     return Status::ok;
 }
 

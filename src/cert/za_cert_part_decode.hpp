@@ -14,6 +14,19 @@ struct Walk {
     Status missing;
 };
 
+// A copy of the object at the start of `in`, which may hold more behind it, kept in a context.
+Status keep_object(const Walk &walk, Bytes in, Kept &kept, Bytes &whole);
+
+// Runs a body on a copy of the caller's element that lives as long as the context.
+template <class Context, class Decode>
+Status decode_kept(const Walk &walk, void *ctx, const Anybuf *element, const Decode &decode) {
+    ZA_PASS(walk.trace.need(ctx, element));
+    auto &context = *static_cast<Context *>(ctx);
+    Bytes copy;
+    ZA_PASS(context.kept.keep(walk.trace, bytes_of(*element), copy));
+    return decode(context, asn1::Element(copy));
+}
+
 // The next field of a structure that must have one.
 Status take_field(const Walk &walk, asn1::Children &fields, asn1::Element &out);
 
@@ -21,6 +34,11 @@ Status decode_algorithm(const Walk &walk, asn1::Children fields, Field &out);
 Status decode_name(const Walk &walk, const asn1::Element &name, Name &out);
 Status decode_time(const Walk &walk, const asn1::Element &time, Time &out);
 Status decode_public_key(const Walk &walk, const asn1::Element &info, PublicKey &out);
+
+// What stands behind that which was signed: each may be missing. `text` is the line of an algorithm
+// that is no SEQUENCE.
+Status decode_signature(const Walk &walk, asn1::Children fields, const char *text, Field &algorithm,
+                        Field &signature);
 
 // ---- Extensions
 

@@ -16,14 +16,13 @@ void write_algorithm(Bytes oid, Builder &out) {
 
 Status write_entries(const TraceSource &trace, Name &name, const uint8_t *string_types,
                      Builder &out) {
-    Chain encoded;
+    ZI_Name &entries = *name.entries.holder();
     if (string_types == nullptr) {
-        ZA_TRY(ZI_EncodeIssuerSuject, names::encode_issuer_suject(*name.entries.holder(), encoded));
+        ZA_TRY(ZI_EncodeIssuerSuject, names::write_cert_issuer_suject(entries, nullptr, out));
     } else {
         ZA_TRY(ZI_EncodeCertIssuerSuject,
-               names::encode_cert_issuer_suject(*name.entries.holder(), string_types, encoded));
+               names::write_cert_issuer_suject(entries, string_types, out));
     }
-    out.raw(bytes_of(*encoded.head()));
     return Status::ok;
 }
 

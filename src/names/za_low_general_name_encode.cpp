@@ -38,8 +38,10 @@ Status write_address(const Anybuf &value, Chain &out) {
 
 // directoryName [4] Name, tagged explicitly because Name is a CHOICE
 Status write_directory(ZI_Name &value, Chain &out) {
+    asn1::Builder built;
     Chain name;
-    ZA_TRY(ZI_EncodeIssuerSuject, encode_issuer_suject(value, name));
+    ZA_TRY(ZI_EncodeIssuerSuject, write_cert_issuer_suject(value, nullptr, built));
+    ZA_PASS(built.finish(name));
     ZA_TRY(ZAsn1_WriteExplicit, asn1::write_explicit(*name.head(), kDirectoryName, out));
     return Status::ok;
 }

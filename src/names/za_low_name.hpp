@@ -3,6 +3,7 @@
 //   Name ::= SEQUENCE OF SET OF SEQUENCE { type OBJECT IDENTIFIER, value ANY }
 #pragma once
 
+#include "asn1/za_asn2_builder.hpp"
 #include "asn1/za_asn2_reader.hpp"
 #include "runtime/anybuf.hpp"
 #include "runtime/bytes.hpp"
@@ -87,6 +88,9 @@ Status encode_issuer_suject(ZI_Name &name, Chain &out);
 
 // ZI_EncodeCertIssuerSuject: `table` has 256 octets, or is NULL for zeros.
 Status encode_cert_issuer_suject(ZI_Name &name, const uint8_t *table, Chain &out);
+
+// The same for signed objects: a value that finds no memory is Status::memory.
+Status write_cert_issuer_suject(ZI_Name &name, const uint8_t *table, asn1::Builder &out);
 
 // The string types a caller may choose.
 constexpr uint32_t kSelectPrintable = 1;

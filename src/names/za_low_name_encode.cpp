@@ -1,3 +1,4 @@
+#include "asn1/za_asn2_builder.hpp"
 #include "asn1/za_asn2_writer.hpp"
 #include "names/za_low_charset.hpp"
 #include "names/za_low_gb18030.hpp"
@@ -107,36 +108,49 @@ uint32_t selector_of(uint8_t octet) {
     }
 }
 
+// A value that found no memory: the exported functions leave it out, signed objects cannot.
+enum class Missing { left_out, refused };
+
 // AttributeTypeAndValue ::= SEQUENCE { type, value }
-Status write_attribute(ZI_NameEntry &entry, uint8_t chosen, Chain &out) {
-    Chain fields;
-    // type OBJECT IDENTIFIER
-    if (asn1::write_object_id(bytes_of(entry.attrOid), fields) != Status::ok) {
-        return trace.fail(Status::memory);
-    }
-    // value, by the rule of its kind or as chosen
-    ZA_PASS(chosen == 0 ? write_value(entry.attrKind, entry.attrValue, fields)
-                        : write_selected_value(selector_of(chosen), entry.attrValue, fields));
-    ZA_TRY(ZAsn1_WriteSequence, asn1::write_sequence(fields.head(), out));
-    return Status::ok;
+Status write_attribute(ZI_NameEntry &entry, uint8_t chosen, Missing missing, asn1::Builder &out) {
+    return out.sequence([&] {
+        // type OBJECT IDENTIFIER
+        out.object_id(bytes_of(entry.attrOid));
+        // value, by the rule of its kind or as chosen
+        Chain value;
+        ZA_PASS(chosen == 0 ? write_value(entry.attrKind, entry.attrValue, value)
+                            : write_selected_value(selector_of(chosen), entry.attrValue, value));
+        if (!value.empty()) {
+            out.raw(bytes_of(*value.head()));
+        }
+        return value.empty() && missing == Missing::refused ? Status::memory : Status::ok;
+    });
+}
+
+// RDNSequence ::= SEQUENCE OF RelativeDistinguishedName, a SET of one attribute each
+Status write_entries(ZI_Name &name, const uint8_t *table, Missing missing, asn1::Builder &out) {
+    constexpr size_t kTableSize = 256;
+    return out.sequence([&] {
+        size_t index = 0;
+        for (auto *entry = name.first; entry != nullptr; entry = entry->nextEntry, ++index) {
+            const uint8_t chosen = table != nullptr && index < kTableSize ? table[index] : 0;
+            const auto attribute = [&] { return write_attribute(*entry, chosen, missing, out); };
+            ZA_PASS(out.wrapped(ZA_DER_ID_SET, attribute));
+        }
+        return Status::ok;
+    });
 }
 
 }  // namespace
 
+Status write_cert_issuer_suject(ZI_Name &name, const uint8_t *table, asn1::Builder &out) {
+    return write_entries(name, table, Missing::refused, out);
+}
+
 Status encode_cert_issuer_suject(ZI_Name &name, const uint8_t *table, Chain &out) {
-    constexpr size_t kTableSize = 256;
-    Chain rdns;
-    size_t index = 0;
-    for (ZI_NameEntry *entry = name.first; entry != nullptr; entry = entry->nextEntry, ++index) {
-        const uint8_t chosen = table != nullptr && index < kTableSize ? table[index] : 0;
-        // RelativeDistinguishedName ::= SET of one attribute
-        Chain attribute;
-        ZA_PASS(write_attribute(*entry, chosen, attribute));
-        ZA_TRY(ZAsn1_WriteSet, asn1::write_set(attribute.head(), rdns));
-    }
-    // RDNSequence ::= SEQUENCE OF
-    ZA_TRY(ZAsn1_WriteSequence, asn1::write_sequence(rdns.head(), out));
-    return Status::ok;
+    asn1::Builder encoded;
+    ZA_PASS(write_entries(name, table, Missing::left_out, encoded));
+    return encoded.finish(out);
 }
 
 Status encode_issuer_suject(ZI_Name &name, Chain &out) {

@@ -1,5 +1,5 @@
 // Creating and destroying CRL contexts, and the exported accessors.
-#include "cert/za_cert_decode.hpp"
+#include "cert/za_cert_issuer.hpp"
 #include "request/za_crl_attributes.hpp"
 #include "runtime/context.hpp"
 #include "runtime/trace.hpp"
@@ -12,18 +12,6 @@ namespace {
 
 constexpr za::TraceSource trace{".\\src\\za_crl"};
 
-// The subject of a CA certificate, for the issuer of what the CA signs.
-Status read_subject(Bytes certificate, za::Field &out) {
-    constexpr size_t kLongestSubject = 2048;
-    za::cert::Certificate ca;
-    ZA_TRY(ZACert_DecodeCert, za::cert::decode_certificate(ca, certificate));
-    const Bytes subject = ca.subject.der.bytes();
-    if (subject.empty() || subject.size() > kLongestSubject) {
-        return trace.fail(Status::length);
-    }
-    return out.assign(subject);
-}
-
 }  // namespace
 
 uint32_t ZACert_CreateCrlEncodeCtx(void **ctx) {
@@ -34,15 +22,14 @@ uint32_t ZACert_CreateCrlEncodeCtx_Ex(void **ctx, const uint8_t *derIssuCert,
                                       uint32_t derIssuCertLen) {
     return trace.exported([&] {
         ZA_PASS(trace.need(ctx));
-        if (derIssuCert == nullptr) {
-            return trace.fail(Status::general, "------>pDerIssuCert is NULL");
-        }
-        if (derIssuCertLen == 0) {
-            return trace.fail(Status::general, "------>pDerIssuCertLen<=0");
-        }
+        za::cert::Certificate ca;
         za::Field subject;
         void *created = nullptr;
-        ZA_PASS(read_subject({derIssuCert, derIssuCertLen}, subject));
+        ZA_PASS(za::cert::decode_ca(trace, derIssuCert, derIssuCertLen, ca));
+        if (ca.subject.der.empty()) {
+            return trace.fail(Status::length);
+        }
+        ZA_PASS(subject.assign(ca.subject.der.bytes()));
         ZA_TRY(ZACert_CreateCrlEncodeCtx, static_cast<Status>(ZACert_CreateCrlEncodeCtx(&created)));
         static_cast<Crl *>(created)->issuer.der = std::move(subject);
         *ctx = created;
@@ -90,12 +77,11 @@ uint32_t ZACert_SetCrlAttributeChar(void *ctx, int32_t type, const uint8_t *valu
                                     int32_t valueLen) {
     return trace.exported([&] {
         ZA_PASS(trace.need(ctx));
-        if (valueLen <= 0) {
-            return trace.fail(Status::length);
-        }
-        ZA_PASS(trace.need(value));
-        return za::request::crl_attributes().set(trace, *static_cast<Crl *>(ctx), type,
-                                                 Bytes(value, static_cast<size_t>(valueLen)));
+        const bool has_value = valueLen > 0;
+        ZA_PASS(has_value ? trace.need(value) : Status::ok);
+        return za::request::set_crl_attribute(
+            *static_cast<Crl *>(ctx), type,
+            has_value ? Bytes(value, static_cast<size_t>(valueLen)) : Bytes{});
     });
 }
 

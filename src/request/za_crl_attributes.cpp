@@ -198,4 +198,11 @@ const AttributeTable<Crl> &crl_attributes() {
     return kAttributes;
 }
 
+Status set_crl_attribute(Crl &crl, int32_t type, Bytes value) {
+    if (value.empty()) {
+        return trace.fail(Status::length);
+    }
+    return kAttributes.set(trace, crl, type, value);
+}
+
 }  // namespace za::request

@@ -22,24 +22,6 @@ using asn1::Element;
 
 constexpr cert::Walk kWalk{trace, Status::crl_not_end};
 
-// signatureAlgorithm AlgorithmIdentifier, signatureValue BIT STRING; each may be missing.
-Status decode_signature(Children fields, Crl &crl) {
-    Element field;
-    if (!fields.next(field)) {
-        return Status::ok;
-    }
-    Children algorithm;
-    ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(field, algorithm));
-    ZA_PASS(cert::decode_algorithm(kWalk, algorithm, crl.outer_algorithm));
-    if (!fields.next(field)) {
-        return Status::ok;
-    }
-    Content signature;
-    ZA_TRY(ZAsn1_ReadBitString, asn1::read_bit_string(field, signature));
-    crl.signature.refer(signature.octets);
-    return Status::ok;
-}
-
 // version INTEGER OPTIONAL, signature AlgorithmIdentifier
 Status decode_version_and_algorithm(Children &fields, Crl &crl) {
     Element field;
@@ -139,16 +121,8 @@ Status decode_extension(Crl &crl, const Element &element) {
 }  // namespace
 
 Status keep_crl(Crl &crl, Bytes in) {
-    if (in.data() == nullptr) {
-        return trace.fail(Status::general);
-    }
-    asn1::Header header;
-    ZA_TRY(ZAsn1_GetCertLength, asn1::read_header(in, header));
-    if (header.total > in.size()) {
-        return trace.fail(Status::length_not_equal);
-    }
     Bytes whole;
-    ZA_PASS(crl.kept.keep(trace, in.first(header.total), whole));
+    ZA_PASS(cert::keep_object(kWalk, in, crl.kept, whole));
     crl.whole.refer(whole);
     return Status::ok;
 }
@@ -163,7 +137,8 @@ Status decode_crl(Crl &crl, Bytes in) {
         return Status::ok;
     }
     ZA_TRY(ZI_CRL_DecodeTBS, decode_crl_tbs(crl, tbs));
-    return decode_signature(fields, crl);
+    return cert::decode_signature(kWalk, fields, "------>ZAsn1_ReadSequence", crl.outer_algorithm,
+                                  crl.signature);
 }
 
 // TBSCertList ::= SEQUENCE { version OPTIONAL, signature, issuer, thisUpdate, nextUpdate OPTIONAL,
@@ -208,21 +183,9 @@ Status decode_crl_extensions(Crl &crl, const Element &wrapper) {
 using za::Bytes;
 using za::Status;
 using za::asn1::Element;
+using za::cert::decode_kept;
 using za::request::Crl;
-
-namespace {
-
-// Runs a body on a copy of the caller's element that lives as long as the context.
-template <class Decode>
-Status decode_kept(void *ctx, const Anybuf *element, const Decode &decode) {
-    ZA_PASS(trace.need(ctx, element));
-    auto &crl = *static_cast<Crl *>(ctx);
-    Bytes kept;
-    ZA_PASS(crl.kept.keep(trace, za::bytes_of(*element), kept));
-    return decode(crl, Element(kept));
-}
-
-}  // namespace
+using za::request::kWalk;
 
 uint32_t ZACert_DecodeCrl(void *ctx, const uint8_t *der, uint32_t derLen) {
     return trace.exported([&] {
@@ -239,12 +202,13 @@ uint32_t setCRL2Context(void *ctx, const uint8_t *der, uint32_t derLen) {
 }
 
 uint32_t ZI_CRL_DecodeTBS(void *ctx, Anybuf *tbs) {
-    return trace.exported([&] { return decode_kept(ctx, tbs, za::request::decode_crl_tbs); });
+    return trace.exported(
+        [&] { return decode_kept<Crl>(kWalk, ctx, tbs, za::request::decode_crl_tbs); });
 }
 
 uint32_t ZI_CRL_DecodeRevokedCerts(void *ctx, Anybuf *revoked) {
     return trace.exported([&] {
-        return decode_kept(ctx, revoked, [](Crl &crl, const Element &element) {
+        return decode_kept<Crl>(kWalk, ctx, revoked, [](Crl &crl, const Element &element) {
             return crl.revoked.refer(element);
         });
     });
@@ -252,5 +216,5 @@ uint32_t ZI_CRL_DecodeRevokedCerts(void *ctx, Anybuf *revoked) {
 
 uint32_t ZI_Crl_DecodeExtensions(Anybuf *wrapper, void *ctx) {
     return trace.exported(
-        [&] { return decode_kept(ctx, wrapper, za::request::decode_crl_extensions); });
+        [&] { return decode_kept<Crl>(kWalk, ctx, wrapper, za::request::decode_crl_extensions); });
 }

@@ -1,8 +1,7 @@
 #include "asn1/za_asn2_builder.hpp"
-#include "asn1/za_asn2_writer.hpp"
 #include "cert/za_cert_part_encode.hpp"
 #include "names/za_low_oid.hpp"
-#include "request/za_crl_context.hpp"
+#include "request/za_crl_attributes.hpp"
 #include "request/za_crl_times.hpp"
 #include "runtime/trace.hpp"
 
@@ -41,8 +40,8 @@ size_t entry_size(const RevokedEntry &entry) {
 
 size_t entries_size(const RevokedList &revoked) {
     size_t size = revoked.decoded_entries().size();
-    size_t at = 0;
-    for (RevokedEntry entry; revoked.added().next(at, entry);) {
+    AddedEntries::Place place;
+    for (RevokedEntry entry; revoked.added().next(place, entry);) {
         size += entry_size(entry);
     }
     return size;
@@ -93,8 +92,8 @@ Status write_revoked(const RevokedList &revoked, size_t size, Builder &out) {
     const auto entries = [&] {
         TimeTexts texts;
         out.raw(revoked.decoded_entries());
-        size_t at = 0;
-        for (RevokedEntry entry; revoked.added().next(at, entry);) {
+        AddedEntries::Place place;
+        for (RevokedEntry entry; revoked.added().next(place, entry);) {
             ZA_PASS(write_entry(entry, texts, out));
         }
         return Status::ok;
@@ -175,6 +174,9 @@ Status write_head(Crl &crl, Builder &out) {
     return crl.has_next_update ? cert::write_time(trace, crl.next_update, out) : Status::ok;
 }
 
+// Behind the TBSCertList, for algorithm and signature as they mostly are.
+constexpr size_t kSignatureRoom = 640;
+
 size_t extensions_room(const Crl &crl) {
     constexpr size_t kAroundFourValues = 256;
     return crl.crl_number.value.bytes().size() + crl.delta_indicator.value.bytes().size() +
@@ -184,41 +186,56 @@ size_t extensions_room(const Crl &crl) {
 
 // TBSCertList ::= SEQUENCE { version, signature, issuer, thisUpdate, nextUpdate OPTIONAL,
 //     revokedCertificates OPTIONAL, crlExtensions [0] EXPLICIT OPTIONAL }
-Status write_tbs(Crl &crl, Octets &out) {
-    const size_t revoked = entries_size(crl.revoked);
-    Builder tbs;
+Status write_tbs(Crl &crl, size_t revoked, Builder &out) {
     const auto content = [&] {
-        ZA_PASS(write_head(crl, tbs));
+        ZA_PASS(write_head(crl, out));
         // A block that grew as it filled could end up twice as large as the list.
-        tbs.reserve(tbs.size() + element_size(revoked) + extensions_room(crl));
-        ZA_TRY(ZI_CRL_EncodeRevokedCRL, write_revoked(crl.revoked, revoked, tbs));
-        write_extensions(crl, tbs);
+        out.reserve(out.size() + element_size(revoked) + extensions_room(crl) + kSignatureRoom);
+        ZA_TRY(ZI_CRL_EncodeRevokedCRL, write_revoked(crl.revoked, revoked, out));
+        write_extensions(crl, out);
         return Status::ok;
     };
-    ZA_PASS(tbs.sequence(content, revoked));
-    return tbs.finish(out);
+    return out.sequence(content, revoked);
 }
 
 Status sign(Crl &crl, Bytes tbs) {
     Octets signature;
     ZA_PASS(crl.signer.sign_list(trace, tbs, signature));
-    ZA_TRY(ZACert_SetCrlAttributeChar,
-           static_cast<Status>(ZACert_SetCrlAttributeChar(&crl, CRL_CA_SIGNATURE, signature.data(),
-                                                          static_cast<int32_t>(signature.size()))));
+    ZA_TRY(ZACert_SetCrlAttributeChar, set_crl_attribute(crl, CRL_CA_SIGNATURE, signature.bytes()));
     return Status::ok;
 }
 
+// CertificateList ::= SEQUENCE { tbsCertList, signatureAlgorithm, signatureValue BIT STRING }, in
+// one block: what is signed stands where it stays.
+Status write_crl(Crl &crl, Builder &out, size_t &tbs_size) {
+    const size_t revoked = entries_size(crl.revoked);
+    const auto content = [&] {
+        const size_t start = out.size();
+        ZA_PASS(write_tbs(crl, revoked, out));
+        ZA_PASS(out.status());
+        const Bytes tbs = out.bytes().subspan(start);
+        tbs_size = tbs.size();
+        ZA_PASS(sign(crl, tbs));
+        const Bytes signature = crl.signature.bytes();
+        constexpr size_t kHeadersAndAlgorithm = 64;
+        out.reserve(out.size() + signature.size() + kHeadersAndAlgorithm);
+        cert::write_algorithm(crl.outer_algorithm.bytes(), out);
+        out.bit_string(signature);
+        return Status::ok;
+    };
+    return out.sequence(content, revoked);
+}
+
 Status encode_crl(Crl &crl) {
-    Octets tbs;
+    Builder builder;
     Octets whole;
     asn1::Header header;
-    ZA_PASS(write_tbs(crl, tbs));
-    ZA_PASS(sign(crl, tbs.bytes()));
-    ZA_PASS(
-        cert::write_signed(tbs.bytes(), crl.outer_algorithm.bytes(), crl.signature.bytes(), whole));
+    size_t tbs_size = 0;
+    ZA_PASS(write_crl(crl, builder, tbs_size));
+    ZA_PASS(builder.finish(whole));
     ZA_PASS(asn1::read_header(whole.bytes(), header));
     crl.whole.take(std::move(whole));
-    crl.tbs.refer(crl.whole.bytes().subspan(header.size(), tbs.size()));
+    crl.tbs.refer(crl.whole.bytes().subspan(header.size(), tbs_size));
     return Status::ok;
 }
 
@@ -227,29 +244,8 @@ Status encode_crl(Crl &crl) {
 
 using za::Status;
 using za::asn1::Builder;
+using za::asn1::hand_out_built;
 using za::request::Crl;
-
-namespace {
-
-// One element in a record of the caller's; NULL where nothing was written.
-template <class Write>
-Status hand_out_element(Anybuf **out, const Write &write) {
-    Builder element;
-    za::Octets octets;
-    za::Chain record;
-    ZA_PASS(write(element));
-    ZA_PASS(element.finish(octets));
-    if (!octets.empty()) {
-        ZA_TRY(ZAsn1_Low_CreateAnyBuf, za::asn1::create_record(record));
-        record.head()->dataType = za::asn1::tag_of(octets.bytes()[0]);
-        record.head()->dataLen = za::to_u32(octets.size());
-        record.head()->data = octets.release();
-    }
-    *out = record.release();
-    return Status::ok;
-}
-
-}  // namespace
 
 uint32_t ZACert_SetCrlSignFunc(void *ctx, ZACertSignFunc func, const uint8_t *key, int32_t keyLen) {
     return trace.exported([&] {
@@ -274,7 +270,7 @@ uint32_t ZI_CRL_EncodeRevokedCRL(void *ctx, Anybuf **out) {
     return trace.exported([&] {
         ZA_PASS(trace.need(ctx, out));
         const auto &revoked = static_cast<Crl *>(ctx)->revoked;
-        return hand_out_element(out, [&](Builder &to) {
+        return hand_out_built(out, [&](Builder &to) {
             return za::request::write_revoked(revoked, za::request::entries_size(revoked), to);
         });
     });
@@ -283,7 +279,7 @@ uint32_t ZI_CRL_EncodeRevokedCRL(void *ctx, Anybuf **out) {
 uint32_t ZI_CRL_WriteEntryExtension(Anybuf *reason, Anybuf **out) {
     return trace.exported([&] {
         ZA_PASS(trace.need(reason, out));
-        return hand_out_element(out, [&](Builder &to) {
+        return hand_out_built(out, [&](Builder &to) {
             za::request::write_entry_extensions(za::bytes_of(*reason), to);
             return Status::ok;
         });
@@ -293,7 +289,7 @@ uint32_t ZI_CRL_WriteEntryExtension(Anybuf *reason, Anybuf **out) {
 uint32_t ZI_Crl_EncodeExtensions(void *ctx, Anybuf **out) {
     return trace.exported([&] {
         ZA_PASS(trace.need(ctx, out));
-        return hand_out_element(out, [&](Builder &to) {
+        return hand_out_built(out, [&](Builder &to) {
             za::request::write_extensions(*static_cast<Crl *>(ctx), to);
             return Status::ok;
         });
@@ -303,7 +299,7 @@ uint32_t ZI_Crl_EncodeExtensions(void *ctx, Anybuf **out) {
 uint32_t ZI_Crl_EncodeCRLDPs(void *ctx, Anybuf **out) {
     return trace.exported([&] {
         ZA_PASS(trace.need(ctx, out));
-        return hand_out_element(out, [&](Builder &to) {
+        return hand_out_built(out, [&](Builder &to) {
             za::request::write_distribution_point(static_cast<Crl *>(ctx)->distribution_point, to);
             return Status::ok;
         });

@@ -20,7 +20,8 @@ using asn1::Element;
 
 constexpr cert::Walk kWalk{trace, Status::crl_not_end};
 
-// What stands before the serial number and the reason of a packed entry.
+// What stands before the serial number and the reason of a packed entry. No serial number is empty:
+// the zeros behind the last entry of a block are its end.
 struct Packed {
     uint32_t serial_len;
     uint32_t reason_len;
@@ -30,9 +31,9 @@ struct Packed {
     size_t size() const { return sizeof(Packed) + size_t{serial_len} + reason_len; }
 };
 
-Packed packed_at(Bytes place) {
+Packed packed_at(const uint8_t *place) {
     Packed head;
-    std::memcpy(&head, place.data(), sizeof head);
+    std::memcpy(&head, place, sizeof head);
     return head;
 }
 
@@ -78,53 +79,77 @@ Status decode_entry(const Element &entry, RevokedEntry &out) {
 
 }  // namespace
 
-// Grows by half, so that what is left over stays small beside a large list.
-Status AddedEntries::reserve(size_t size) {
-    constexpr size_t kFirstBlock = 256;
-    if (size <= block_.size()) {
-        return Status::ok;
-    }
-    const size_t ample = std::max(size + size / 2, kFirstBlock);
-    Octets larger;
-    ZA_PASS(larger.allocate(fits_u32(ample) ? ample : size));
-    put(larger.data(), block_.bytes().first(size_));
-    block_ = std::move(larger);
+// Blocks of short lists are small; those of long ones stay small beside the list.
+Status AddedEntries::add_block(size_t size) {
+    constexpr size_t kSmallestBlock = 512;
+    constexpr size_t kLargestBlock = 65536;
+    const size_t usual = std::clamp(2 * block_size_, kSmallestBlock, kLargestBlock);
+    Octets block;
+    ZA_PASS(block.allocate(std::max(size, usual)));
+    uint8_t *const first = block.data();
+    const size_t room = block.size();
+    ZA_PASS(blocks_.append(trace, std::move(block)));
+    block_size_ = usual;
+    free_ = first;
+    room_ = room;
     return Status::ok;
 }
 
 Status AddedEntries::add(Bytes serial) {
     const Packed head{to_u32(serial.size()), 0, 0, 0};
-    ZA_PASS(reserve(size_ + head.size()));
-    last_ = size_;
-    put_packed(block_.data() + last_, head);
-    put(block_.data() + last_ + sizeof head, serial);
-    size_ += head.size();
+    if (head.size() > room_) {
+        ZA_PASS(add_block(head.size()));
+    }
+    last_ = free_;
+    put_packed(last_, head);
+    free_ = put(last_ + sizeof head, serial);
+    room_ -= head.size();
     return Status::ok;
 }
 
 void AddedEntries::set_date(int32_t utc) {
-    Packed head = packed_at(block_.bytes().subspan(last_));
+    Packed head = packed_at(last_);
     head.date = utc;
     head.has_date = 1;
-    put_packed(block_.data() + last_, head);
+    put_packed(last_, head);
 }
 
+// The entry is laid down once more without its reason, in a new block when it is too long for its
+// own.
 Status AddedEntries::set_reason(Bytes reason) {
-    Packed head = packed_at(block_.bytes().subspan(last_));
+    Packed head = packed_at(last_);
+    uint8_t *const reason_before = last_ + sizeof head + head.serial_len;
+    const Bytes serial(last_ + sizeof head, head.serial_len);
+    const size_t room = room_ + head.reason_len;
+    if (reason.size() > room) {
+        uint8_t *const before = last_;
+        ZA_PASS(add_block(sizeof head + serial.size() + reason.size()));
+        last_ = free_;
+        put(last_ + sizeof head, serial);
+        put_packed(before, {});
+        room_ -= sizeof head + serial.size() + reason.size();
+    } else {
+        std::memset(reason_before, 0, head.reason_len);
+        room_ = room - reason.size();
+    }
     head.reason_len = to_u32(reason.size());
-    ZA_PASS(reserve(last_ + head.size()));
-    put_packed(block_.data() + last_, head);
-    put(block_.data() + last_ + sizeof head + head.serial_len, reason);
-    size_ = last_ + head.size();
+    put_packed(last_, head);
+    free_ = put(last_ + sizeof head + head.serial_len, reason);
     return Status::ok;
 }
 
-bool AddedEntries::next(size_t &at, RevokedEntry &out) const {
-    if (at >= size_) {
+namespace {
+
+// The entry at `at` of a block, which moves behind it; false where none begins.
+bool read_packed(Bytes block, size_t &at, RevokedEntry &out) {
+    if (block.size() - at < sizeof(Packed)) {
         return false;
     }
-    const Bytes place = block_.bytes().subspan(at);
-    const Packed head = packed_at(place);
+    const Bytes place = block.subspan(at);
+    const Packed head = packed_at(place.data());
+    if (head.serial_len == 0) {
+        return false;
+    }
     out.serial = place.subspan(sizeof head, head.serial_len);
     out.reason = place.subspan(sizeof head + head.serial_len, head.reason_len);
     out.date = {};
@@ -132,6 +157,25 @@ bool AddedEntries::next(size_t &at, RevokedEntry &out) const {
         out.date.set(head.date);
     }
     at += head.size();
+    return true;
+}
+
+}  // namespace
+
+bool AddedEntries::next(Place &place, RevokedEntry &out) const {
+    if (blocks_.empty()) {
+        return false;
+    }
+    if (place.block == blocks_.end()) {
+        place.block = blocks_.begin();
+    }
+    while (!read_packed(place.block->bytes(), place.at, out)) {
+        auto following = place.block;
+        if (++following == blocks_.end()) {
+            return false;
+        }
+        place = {following, 0};
+    }
     return true;
 }
 
@@ -160,8 +204,8 @@ Status RevokedList::current(bool &found, RevokedEntry &out) const {
         found = true;
         return decode_entry(entry, out);
     }
-    size_t at = current_added_;
-    found = added_.next(at, out);
+    AddedEntries::Place place = current_added_;
+    found = added_.next(place, out);
     return Status::ok;
 }
 
@@ -171,8 +215,8 @@ bool RevokedList::move() {
     if (!unread_.next(passed)) {
         added_.next(current_added_, entry);
     }
-    size_t at = current_added_;
-    return !unread_.empty() || added_.next(at, entry);
+    AddedEntries::Place place = current_added_;
+    return !unread_.empty() || added_.next(place, entry);
 }
 
 }  // namespace za::request

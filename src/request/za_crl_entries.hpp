@@ -3,6 +3,7 @@
 
 #include "asn1/za_asn2_reader.hpp"
 #include "cert/za_cert_parts.hpp"
+#include "runtime/list.hpp"
 
 namespace za::request {
 
@@ -13,7 +14,8 @@ struct RevokedEntry {
     Bytes reason;  // content of the ENUMERATED; empty without one
 };
 
-// Entries that setters add, packed into one block.
+// Entries that setters add, packed into blocks one behind the other. What is packed never moves but
+// for the last entry, which setters change: a list that grows copies nothing.
 class AddedEntries {
   public:
     Status add(Bytes serial);
@@ -22,17 +24,26 @@ class AddedEntries {
     void set_date(int32_t utc);
     Status set_reason(Bytes reason);
 
-    bool empty() const { return size_ == 0; }
+    bool empty() const { return last_ == nullptr; }
 
-    // The entry at `at`, which moves behind it; false at the end.
-    bool next(size_t &at, RevokedEntry &out) const;
+    // Where an entry begins, or the last one ends; at first the place of the first entry, whether
+    // there is one yet or not.
+    struct Place {
+        List<Octets>::Iterator block{nullptr};
+        size_t at = 0;
+    };
+
+    // The entry at `place`, which moves behind it; false at the end.
+    bool next(Place &place, RevokedEntry &out) const;
 
   private:
-    Status reserve(size_t size);
+    Status add_block(size_t size);
 
-    Octets block_;
-    size_t size_ = 0;
-    size_t last_ = 0;
+    List<Octets> blocks_;
+    size_t block_size_ = 0;
+    uint8_t *last_ = nullptr;
+    uint8_t *free_ = nullptr;  // behind the last entry
+    size_t room_ = 0;          // from there to the end of its block
 };
 
 // Entries that were decoded, which stay octets of the CRL, and behind them those added. One of them
@@ -62,7 +73,7 @@ class RevokedList {
     AddedEntries added_;
 
     asn1::Children unread_;  // from the current entry on
-    size_t current_added_ = 0;
+    AddedEntries::Place current_added_;
 };
 
 }  // namespace za::request

@@ -1,7 +1,15 @@
 #include "request/za_crl_times.hpp"
 
+#include "runtime/trace.hpp"
+
 #include <chrono>
 #include <ctime>
+
+namespace {
+
+constexpr za::TraceSource trace{".\\src\\za_crl"};
+
+}  // namespace
 
 namespace za::request {
 namespace {
@@ -52,6 +60,11 @@ asn1::TimeText text_of_wall(int64_t wall) {
     return text;
 }
 
+Status text_from_zone(int32_t time, asn1::TimeText &out) {
+    ZA_TRY(ZAsn1_Low_ItoCTime, asn1::time_to_text(time, out));
+    return Status::ok;
+}
+
 }  // namespace
 
 TimeTexts::TimeTexts() {
@@ -70,7 +83,7 @@ TimeTexts::Day TimeTexts::look_up(int32_t number) {
 
 Status TimeTexts::text(int32_t time, asn1::TimeText &out) {
     if (time < 0) {
-        return asn1::time_to_text(time, out);
+        return text_from_zone(time, out);
     }
     const auto number = static_cast<int32_t>(time / kDay);
     Day &day = days_[static_cast<size_t>(number) % days_.size()];
@@ -78,7 +91,7 @@ Status TimeTexts::text(int32_t time, asn1::TimeText &out) {
         day = look_up(number);
     }
     if (!day.has_one_offset) {
-        return asn1::time_to_text(time, out);
+        return text_from_zone(time, out);
     }
     out = text_of_wall(int64_t{time} + day.offset);
     return Status::ok;

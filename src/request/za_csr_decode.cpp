@@ -54,25 +54,6 @@ Status decode_attribute(Csr &csr, const Element &in) {
     return csr.attributes.append(trace, std::move(attribute));
 }
 
-// signatureAlgorithm AlgorithmIdentifier, signature BIT STRING; each may be missing, as in
-// certificates.
-Status decode_signature(Children fields, Csr &csr) {
-    Element field;
-    if (!fields.next(field)) {
-        return Status::ok;
-    }
-    Children algorithm;
-    ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(field, algorithm));
-    ZA_PASS(cert::decode_algorithm(kWalk, algorithm, csr.outer_algorithm));
-    if (!fields.next(field)) {
-        return Status::ok;
-    }
-    asn1::Content signature;
-    ZA_TRY(ZAsn1_ReadBitString, asn1::read_bit_string(field, signature));
-    csr.signature.refer(signature.octets);
-    return Status::ok;
-}
-
 }  // namespace
 
 // attributes [0] IMPLICIT SET OF Attribute; some write the SET inside the tag.
@@ -114,16 +95,8 @@ Status decode_info(Csr &csr, const Element &info) {
 
 // CertificationRequest ::= SEQUENCE { certificationRequestInfo, signatureAlgorithm, signature }
 Status decode_csr(Csr &csr, Bytes in) {
-    if (in.data() == nullptr) {
-        return trace.fail(Status::general);
-    }
-    asn1::Header header;
-    ZA_TRY(ZAsn1_GetCertLength, asn1::read_header(in, header));
-    if (header.total > in.size()) {
-        return trace.fail(Status::length_not_equal);
-    }
     Bytes whole;
-    ZA_PASS(csr.kept.keep(trace, in.first(header.total), whole));
+    ZA_PASS(cert::keep_object(kWalk, in, csr.kept, whole));
     csr.whole.refer(whole);
 
     Children fields;
@@ -131,28 +104,17 @@ Status decode_csr(Csr &csr, Bytes in) {
     ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(Element(whole), fields));
     ZA_PASS(cert::take_field(kWalk, fields, info));
     ZA_TRY(ZI_CSR_DecodeTBS, decode_info(csr, info));
-    return decode_signature(fields, csr);
+    return cert::decode_signature(kWalk, fields, "------>ZAsn1_ReadSequence", csr.outer_algorithm,
+                                  csr.signature);
 }
 
 }  // namespace za::request
 
 using za::Bytes;
 using za::Status;
+using za::cert::decode_kept;
 using za::request::Csr;
-
-namespace {
-
-// Runs a body on a copy of the caller's element that lives as long as the context.
-template <class Decode>
-Status decode_kept(void *ctx, const Anybuf *element, const Decode &decode) {
-    ZA_PASS(trace.need(ctx, element));
-    auto &csr = *static_cast<Csr *>(ctx);
-    Bytes kept;
-    ZA_PASS(csr.kept.keep(trace, za::bytes_of(*element), kept));
-    return decode(csr, za::asn1::Element(kept));
-}
-
-}  // namespace
+using za::request::kWalk;
 
 uint32_t ZACert_DecodeCsr(void *ctx, const uint8_t *der, uint32_t derLen) {
     return trace.exported([&] {
@@ -162,10 +124,11 @@ uint32_t ZACert_DecodeCsr(void *ctx, const uint8_t *der, uint32_t derLen) {
 }
 
 uint32_t ZI_CSR_DecodeTBS(void *ctx, Anybuf *tbs) {
-    return trace.exported([&] { return decode_kept(ctx, tbs, za::request::decode_info); });
+    return trace.exported(
+        [&] { return decode_kept<Csr>(kWalk, ctx, tbs, za::request::decode_info); });
 }
 
 uint32_t ZI_CSR_DecodeAttributes(void *ctx, Anybuf *attributes) {
     return trace.exported(
-        [&] { return decode_kept(ctx, attributes, za::request::decode_attributes); });
+        [&] { return decode_kept<Csr>(kWalk, ctx, attributes, za::request::decode_attributes); });
 }

@@ -2,7 +2,6 @@
 #include <zacert.h>
 
 #include "asn1/za_asn2_builder.hpp"
-#include "asn1/za_asn2_writer.hpp"
 #include "cert/za_cert_part_encode.hpp"
 #include "request/za_csr_attributes.hpp"
 #include "runtime/trace.hpp"
@@ -97,13 +96,9 @@ uint32_t ZACert_EncodeCsr(void *ctx, uint8_t *out, uint32_t *outLen) {
 uint32_t ZI_Csr_EncodeAttributes(void *ctx, Anybuf **out) {
     return trace.exported([&] {
         ZA_PASS(trace.need(ctx, out));
-        za::asn1::Builder builder;
-        za::Octets element;
-        za::Chain record;
-        za::request::write_attributes(*static_cast<Csr *>(ctx), builder);
-        ZA_PASS(builder.finish(element));
-        ZA_PASS(za::asn1::to_record({element.bytes(), za::asn1::constructed(0)}, record));
-        *out = record.release();
-        return Status::ok;
+        return za::asn1::hand_out_built(out, [&](za::asn1::Builder &to) {
+            za::request::write_attributes(*static_cast<Csr *>(ctx), to);
+            return Status::ok;
+        });
     });
 }

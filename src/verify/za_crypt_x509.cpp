@@ -166,8 +166,8 @@ uint32_t VerifyUserCertByCACert(const uint8_t *derCert, int32_t derCertLen, cons
     return trace.exported([&] {
         const Bytes user = view(derCert, derCertLen);
         const Bytes key = view(derPub, derPubLen);
-        ZA_PASS(need("------>VerifyUserCertByCACert, pDerCert==NULL || iDerCertLen<=0",
-                     !user.empty()));
+        ZA_PASS(
+            need("------>VerifyUserCertByCACert, pDerCert==NULL || iDerCertLen<=0", !user.empty()));
         ZA_PASS(
             need("------>VerifyUserCertByCACert, pDerPub==NULL || iDerPubLen<=0", !key.empty()));
         return za::verify::verify_certificate_by_key(key, user, Rsa{});
@@ -179,7 +179,8 @@ uint32_t ZA_VerifyCrl(const uint8_t *derCaCert, uint32_t derCaCertLen, const uin
     return trace.exported([&] {
         const Bytes ca = view(derCaCert, derCaCertLen);
         const Bytes crl = view(derCrl, derCrlLen);
-        ZA_PASS(need("------>(derCaCert == NULL) || (derCrl == NULL)", !ca.empty() && !crl.empty()));
+        ZA_PASS(
+            need("------>(derCaCert == NULL) || (derCrl == NULL)", !ca.empty() && !crl.empty()));
         return za::verify::verify_crl(ca, crl, Rsa{});
     });
 }
@@ -187,8 +188,7 @@ uint32_t ZA_VerifyCrl(const uint8_t *derCaCert, uint32_t derCaCertLen, const uin
 uint32_t ZA_VerifyCsr_Sign(const uint8_t *csr, int32_t csrLen) {
     return trace.exported([&] {
         const Bytes text = view(csr, csrLen);
-        ZA_PASS(
-            need("------>ZA_VerifyCsr_Sign  derCsr==NULL || derCsrLen<=0 Err", !text.empty()));
+        ZA_PASS(need("------>ZA_VerifyCsr_Sign  derCsr==NULL || derCsrLen<=0 Err", !text.empty()));
         return za::verify::verify_csr(text, Rsa{});
     });
 }

@@ -40,8 +40,8 @@ struct DigestRow {
     int32_t digest;
 };
 
-// Of the key's own identifier signatures are told apart from those of unknown algorithms, but no
-// digest has this number.
+// A signature under the identifier of the key itself is of no unknown algorithm, and never verifies:
+// no digest has this number.
 constexpr int32_t kNoDigest = 200;
 
 constexpr std::array kDigests{
@@ -96,7 +96,7 @@ Status Rsa::check(const Signed &object, Bytes key_der) const {
 
 namespace {
 
-// A number of no table: it came into the interface as "any failure".
+// 1 is in no table of codes, but what callers of these functions test for.
 constexpr Status kKeyFailed = Status::unknown_selector;
 
 Status read_key(Bytes der, KeyFailure failure, ZACERT_EccPubKey &out) {

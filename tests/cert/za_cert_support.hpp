@@ -36,6 +36,7 @@ inline std::string plain_hex(std::span<const uint8_t> octets) {
 class Context {
   public:
     Context() { EXPECT_EQ(ZACert_CreateCertEncodeCtx(&handle_), 0u); }
+    explicit Context(void *taken) : handle_(taken) {}
     ~Context() { EXPECT_EQ(ZACert_DestroyCertEncodeCtx(handle_), 0u); }
     Context(const Context &) = delete;
     Context &operator=(const Context &) = delete;

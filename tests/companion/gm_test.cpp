@@ -155,14 +155,15 @@ TEST(Gm, KeysAreReadOrRefused) {
         zacert_gm_key key{};
         const uint32_t curve = static_cast<uint32_t>(text[0] - '0');
         const bool file = text.ends_with(".der");
-        const Octets in = file ? data_file(text.substr(2)) : from_hex(text.substr(2));
+        Octets in = file ? data_file(text.substr(2)) : from_hex(text.substr(2));
         const auto read = [&](const Octets &der) {
             return zacert_gm_key_from_der(der.data(), static_cast<uint32_t>(der.size()), &key);
         };
         EXPECT_EQ(file ? read(in) : zacert_gm_key_from_scalar(curve, in.data(), &key), code);
         EXPECT_EQ(key.curve, code == 0 ? curve : 0) << text;
-        for (size_t cut = 1; file && code == 0 && cut < in.size(); cut += 7) {
-            EXPECT_EQ(read(Octets(in.data(), in.data() + cut)), 120U) << text << cut;
+        for (size_t n = in.size() + 1; file && code == 0 && n > 0; n -= std::min<size_t>(n, 9)) {
+            in.resize(n);
+            EXPECT_EQ(read(in), 120U) << text << n;
         }
     }
 }

@@ -29,7 +29,7 @@ class Pkcs11 : public testing::Test {
 
     static zacert_pkcs11_key open(const std::string &what, int32_t digest = 9) {
         zacert_pkcs11_key key{};
-        const std::string uri = "pkcs11:" + what + kModule + "&pin-value=12%334";
+        const std::string uri = "pkcs11:token=a%20token;" + what + kModule + "&pin-value=12%334";
         EXPECT_EQ(zacert_pkcs11_open(uri.c_str(), nullptr, 0, digest, &key), 0U) << what;
         return key;
     }
@@ -120,7 +120,7 @@ TEST_F(Pkcs11, UrisNameOneKeyOrAreRefused) {
         EXPECT_EQ(key.session != nullptr, code == 0) << uri;
         EXPECT_EQ(zacert_pkcs11_close(&key), 0U);
     }
-    const std::string uri = "pkcs11:id=%01" + kModule + "&pin-value=1";
+    const std::string uri = "pkcs11:token=a%20token;id=%01" + kModule + "&pin-value=1";
     const uint8_t pin[] = {'1', '2', '3', '4', '5'};
     zacert_pkcs11_key key{};
     EXPECT_EQ(zacert_pkcs11_open(uri.c_str(), pin, 4, 8, &key), 118U);
@@ -137,9 +137,8 @@ TEST_F(Pkcs11, KeysMayAskEachTimeOrHaveACertificateAlone) {
     reinterpret_cast<CK_C_GetFunctionList>(dlsym(library, "C_GetFunctionList"))(&p11);
     ASSERT_EQ(p11->C_Initialize(nullptr), CKR_OK);
     zacert_pkcs11_key key = open("object=asks");
-    for (int i = 0; i < 2; ++i) {
-        EXPECT_TRUE(verifies(public_key(key), EVP_sha256(), kMessage, signature(key)));
-    }
+    EXPECT_TRUE(verifies(public_key(key), EVP_sha256(), kMessage, signature(key)));
+    EXPECT_TRUE(verifies(public_key(key), EVP_sha256(), kMessage, signature(key)));
     zacert_pkcs11_close(&key);
     key = open("object=certified");
     EXPECT_NE(to_hex(data_file("certs/ec_named.der")).find(to_hex(public_key(key))),

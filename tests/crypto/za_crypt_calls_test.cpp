@@ -132,18 +132,15 @@ TEST(Crypt, TakesKeysOfRc2ByTheirEffectiveBits) {
     }
 }
 
+// Whether what is left of a cipher ends like a padded text is chance.
 TEST(Crypt, SurvivesDamagedCiphers) {
     for (const Row &row : rows_of("crypto/known_answers.txt")) {
-        if (row[0] == "PKCS12_DESDecrypt" && split(row[1], ';').at(3).size() % 16 == 0) {
-            const Row cells = split(row[1], ';');
+        Row cells = split(row[1], ';');
+        if (row[0] == "PKCS12_DESDecrypt" && cells[0].starts_with("2A864886F70D010C")) {
             expect_damage_survived(from_hex(cells[3]), {0, 101, 139}, [&](const Octets &cipher) {
-                Octets out(cipher.size());
-                uint32_t len = 0;
-                const uint32_t result =
-                    kFunctions.at("ZA_PKCS12_DESDecrypt")
-                        .call({cells[0], cells[1], cells[2], to_hex(cipher)}, out.data(), &len);
-                EXPECT_LE(len, cipher.size());
-                return result;
+                cells[3] = to_hex(cipher);
+                const std::string text = outcome(kFunctions.at("ZA_PKCS12_DESDecrypt"), cells);
+                return is_failure(text) ? number_of(text.substr(0, 3)) : 0;
             });
         }
     }
@@ -163,13 +160,11 @@ TEST(Crypt, LeavesNoSecretOnTheHeap) {
 
 TEST(Crypt, WidensPasswordsUpTo32Bits) {
     const uint8_t octet = 0x61;
-    uint8_t out[2] = {0xA5, 0xA5};
     for (const auto &[len, wide] : {std::pair(0x7FFFFFF0u, 0xFFFFFFE2u), {0x7FFFFFF1u, 0u}}) {
         uint32_t out_len = kUntouched;
-        EXPECT_EQ(ZA_PKCS12_ACIItoUNI(&octet, len, wide == 0 ? out : nullptr, &out_len), 0u);
+        EXPECT_EQ(ZA_PKCS12_ACIItoUNI(&octet, len, nullptr, &out_len), 0u);
         EXPECT_EQ(out_len, wide);
     }
-    EXPECT_EQ(out[0], 0xA5);
 }
 
 // Both directions write the line of one of them, and neither Begin nor End.

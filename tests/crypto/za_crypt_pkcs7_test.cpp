@@ -54,8 +54,6 @@ TEST(Pkcs7Crypt, MakesKeyPairs) {
         EXPECT_EQ(to_hex(std::span(pub.exponent).last(4)), "00 01 00 01");
         EXPECT_EQ(memcmp(pub.modulus, priv.modulus, 512), 0);
         expect_a_pair(pub, priv);
-        memset(priv.prime1, 0, 128);
-        expect_a_pair(pub, priv);
         EXPECT_EQ(generate(&pub, nullptr), 108u);
         EXPECT_EQ(generate(nullptr, &priv), 108u);
     }

@@ -1,4 +1,4 @@
-"""The command `show`: forms of input, and what is no certificate."""
+"""The command `show`: forms of input, and what is none of the objects it knows."""
 
 import json
 import re
@@ -35,12 +35,14 @@ class Input(ShowTest):
     def test_bad_input(self):
         der, pem = self.der(self.small), self.small
         size = len(der)
+        any_object = "a certificate, CRL or request"
         with open(self.folder / "large", "wb") as large:
-            large.truncate(64 * 1024 * 1024 + 1)
+            large.truncate(256 * 1024 * 1024 + 1)
         rows = [
-            (b"", "a certificate: the file is empty"),
-            (b"hello\n", "a certificate in DER or PEM: a tag is not the one expected (106)"),
-            (self.key().read_bytes(), "a PEM block CERTIFICATE, found PRIVATE KEY"),
+            (b"", f"{any_object}: the file is empty"),
+            (b"hello\n", f"{any_object} in DER or PEM: a tag is not the one expected (106)"),
+            (self.key().read_bytes(), "a PEM block CERTIFICATE, X509 CRL or CERTIFICATE REQUEST, "
+                                      "found PRIVATE KEY"),
             (pem.replace(b"M", b"*", 1), "a certificate: the PEM block is not Base64"),
             (pem[:pem.index(b"-----END")], "a certificate: the PEM block has no last line"),
             (pem.replace(b"END C", b"END X"),
@@ -49,12 +51,12 @@ class Input(ShowTest):
                        "length fields do not add up (102)"),
             (der + b"\0", f"a certificate of {size} octets, found {size + 1}: "
                           "length fields do not add up (102)"),
-            (b"\x30\x85" + der, "a certificate: a length is out of range (101)"),
+            (b"\x30\x85" + der, f"{any_object}: a length is out of range (101)"),
             (b"\x30\x03\x02\x01\x05",
-             "a certificate: an element is missing or not of the expected kind (108)"),
-            ("missing", "a certificate: No such file or directory"),
-            (".", "a certificate: Is a directory"),
-            ("large", "at most 64 MiB"),
+             f"{any_object}: an element is missing or not of the expected kind (108)"),
+            ("missing", f"{any_object}: No such file or directory"),
+            (".", f"{any_object}: Is a directory"),
+            ("large", "at most 256 MiB"),
         ]
         for content, message in rows:
             with self.subTest(message):
@@ -79,7 +81,8 @@ class Input(ShowTest):
         self.assertEqual([(c["file"], c["index"]) for c in json.loads(output)],
                          [(str(good), 1), (str(mixed), 1), (str(mixed), 3)])
         self.assertEqual((status, problems.splitlines()),
-                         (1, ["zacert: none: expected a certificate: No such file or directory",
+                         (1, ["zacert: none: expected a certificate, CRL or request: "
+                              "No such file or directory",
                               f"zacert: {mixed}: block 2: expected a certificate: "
                               "the PEM block is not Base64"]))
 

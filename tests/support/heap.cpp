@@ -12,6 +12,8 @@ namespace za::test {
 namespace {
 
 size_t live = 0;
+size_t held = 0;  // octets
+size_t most_held = 0;
 HeapCount count;
 size_t until_failure = 0;
 bool failed = false;
@@ -28,6 +30,13 @@ void look_for_secret(const uint8_t *block) {
 
 HeapCount heap_count() {
     return count;
+}
+
+size_t heap_peak(const std::function<void()> &work) {
+    const size_t before = held;
+    most_held = held;
+    work();
+    return most_held - before;
 }
 
 void fail_allocation(size_t k) {
@@ -94,12 +103,15 @@ void *ZAPR_Malloc(const char *, uint32_t, uint32_t size) {
     }
     void *block = std::calloc(1, size == 0 ? 1 : size);
     live += block != nullptr ? 1 : 0;
+    held += malloc_usable_size(block);
+    most_held = std::max(most_held, held);
     return block;
 }
 
 uint32_t ZAPR_Free(void *block) {
     za::test::look_for_secret(static_cast<const uint8_t *>(block));
     za::test::live -= block != nullptr ? 1 : 0;
+    za::test::held -= malloc_usable_size(block);
     std::free(block);
     return 0;
 }

@@ -15,6 +15,9 @@ struct HeapCount {
 
 HeapCount heap_count();  // since the process began
 
+// The most octets that blocks held at one time while `work` ran, beside those held before.
+size_t heap_peak(const std::function<void()> &work);
+
 // The k-th allocation from now on fails, once; 0 lets all succeed.
 void fail_allocation(size_t k);
 

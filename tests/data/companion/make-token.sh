@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Makes a SoftHSM token in FOLDER: its configuration is FOLDER/conf, its PIN FOLDER/pin, FOLDER/module is MODULE. Its keys:
+# Makes a SoftHSM token in FOLDER, and an empty one beside it. The configuration is FOLDER/conf, the PIN FOLDER/pin, and
+# FOLDER/module stands for MODULE. The token's keys:
 #   01 "rsa", A2 "ec" (P-384), 03 "ec" (P-256)  those of tests/data/keys
 #   09 "asks"                                   P-256, asks for the PIN at each signature
 #   0A "alone", 0B "certified"                  P-256 without a public key; 0B has a certificate (of another key)
@@ -14,6 +15,7 @@ echo "directories.tokendir = $folder/tokens" >"$SOFTHSM2_CONF"
 echo 1234 >"$folder/pin"
 ln -s "$2" "$folder/module"
 softhsm2-util --init-token --free --label 'a token' --pin 1234 --so-pin 5678
+softhsm2-util --init-token --free --label 'an empty token' --pin 1234 --so-pin 5678
 
 import() {
     openssl pkey -inform DER -in "$data/keys/$1.der" -out "$folder/key.pem"

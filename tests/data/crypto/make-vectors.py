@@ -245,7 +245,7 @@ def macs():
             mac = HASHES[digest](bytes(x ^ 0x5C for x in short) + inner)
             assert digest == 3 or mac == hmac.new(key, text, {5: "md5", 7: "sha1"}[digest]).digest()
             yield "PKCS12_HMAC", digest, key, text, mac
-    yield "PKCS12_HMAC", 7, "NULL 300", "", hmac.new(b"", b"", "sha1").digest()
+    yield "PKCS12_HMAC", 7, "NULL @300", "", hmac.new(b"", b"", "sha1").digest()
 
 
 def aes():
@@ -269,17 +269,17 @@ def padding():
         text, pad = b"\x5a" * length, 8 - length % 8
         yield "PKCS12_AddPad", text, text + bytes([pad]) * pad
     yield "PKCS12_AddPad", "NULL", "08*8"
-    yield "PKCS12_AddPad", "NULL 1", GENERAL
+    yield "PKCS12_AddPad", "NULL @1", GENERAL
     for huge in ("0x7FFFFF01", "0xFFFFFFFF"):
         yield "PKCS12_AddPad", f"00 @{huge}", "100: ZAPR_Malloc"
-    for text, outcome in (("", BAD_PAD), ("NULL 1", GENERAL), ("00", "00"), ("01", BAD_PAD), ("AABB00", "AABB00"),
+    for text, outcome in (("", BAD_PAD), ("NULL @1", GENERAL), ("00", "00"), ("01", BAD_PAD), ("AABB00", "AABB00"),
                           ("AABB01", "AABB"), ("AABB02", "AA"), ("AABB03", BAD_PAD), ("AABBFF", BAD_PAD),
                           ("AA*63 3F", "AA"), ("08*8", BAD_PAD)):
         yield "PKCS12_DecPad", text, outcome
 
 
 def passwords():
-    for password, outcome in (("", "0000"), ("NULL 5", "0000"), ("61 80 FF", "0061 0080 00FF 0000")):
+    for password, outcome in (("", "0000"), ("NULL @5", "0000"), ("61 80 FF", "0061 0080 00FF 0000")):
         yield "PKCS12_ACIItoUNI", password, outcome
 
 
@@ -287,10 +287,10 @@ def bad_aes():
     for function in ("PKCS12_AESEncrypt", "PKCS12_AESDecrypt"):
         for arguments, line in (
                 ((0, "NULL", "NULL", "NULL"), "algMode"), ((3, "11*16", "22*16", "33*16"), "algMode"),
-                ((1, "NULL 9", "NULL", "NULL"), "key"), ((2, "11*15", "NULL", "NULL"), "keyLen"),
-                ((1, "11*24", "NULL", "NULL"), "keyLen"), ((2, "11*16", "NULL 9", "NULL"), "pIv"),
+                ((1, "NULL @9", "NULL", "NULL"), "key"), ((2, "11*15", "NULL", "NULL"), "keyLen"),
+                ((1, "11*24", "NULL", "NULL"), "keyLen"), ((2, "11*16", "NULL @9", "NULL"), "pIv"),
                 ((2, "11*16", "22*15", "NULL"), "pIvLen"), ((2, "11*16", "22*17", "NULL"), "pIvLen"),
-                ((2, "11*16", "22*16", "NULL 3"), "input"), ((1, "11*16", "NULL 3", "NULL"), "input"),
+                ((2, "11*16", "22*16", "NULL @3"), "input"), ((1, "11*16", "NULL @3", "NULL"), "input"),
                 ((1, "11*16", "NULL", ""), "inputLen")):
             yield function, *arguments, f"108: ----->{line}"
     for length in (15, 17, 8193):
@@ -304,17 +304,17 @@ def bad_macs_and_derivations():
     for digest in (0, 4, 9, 13, -1):
         yield "PKCS12_HMAC", digest, "11", "22", CRYPT
     yield "PKCS12_HMAC", 7, "11*257", "22", CRYPT
-    yield "PKCS12_HMAC", 7, "11", "NULL 2", GENERAL
+    yield "PKCS12_HMAC", 7, "11", "NULL @2", GENERAL
     for digest in (0, 1, 4, 6, 8, 10, 12, 14, 15, -1):
         yield "PKCS12_GenRandomFromPassword", digest, "61", "01", 1, 1, 8, CRYPT
-    for password, salt in (("NULL 1", "01"), ("61", "NULL 1"), ("00 @0x7FFFFF01", "01"), ("61", "00 @0xFFFFFFFF")):
+    for password, salt in (("NULL @1", "01"), ("61", "NULL @1"), ("00 @0x7FFFFF01", "01"), ("61", "00 @0xFFFFFFFF")):
         yield "PKCS12_GenRandomFromPassword", 7, password, salt, 1, 1, 8, CRYPT
 
 
 def ciphers():
     # The identifier is looked at before so many iterations are run.
     endless = -1
-    for oid in ("", "NULL 10", PKCS5, PKCS5 + "02", PKCS5 + "0A00", PKCS12 + "07", PKCS12 + "00", "2B0E03021A"):
+    for oid in ("", "NULL @10", PKCS5, PKCS5 + "02", PKCS5 + "0A00", PKCS12 + "07", PKCS12 + "00", "2B0E03021A"):
         yield "PKCS12_PbeWithDigestAlgoAndEncrypt", oid, "61", "01", endless, "5A", BAD_OID
         yield "PKCS12_PbeWithDigestAlgoAndDecrypt", oid, "61", "01", endless, "5A*8", BAD_OID
         yield "PKCS12_DESEncrypt", oid, "11", "22", "5A", BAD_OID
@@ -326,13 +326,13 @@ def ciphers():
     yield "PKCS12_PbeWithDigestAlgoAndDecrypt", THREE_KEYS, "61", "01", endless, "", BAD_TEXT
     for way in ("Encrypt", "Decrypt"):
         yield f"PKCS12_PbeWithDigestAlgoAnd{way}", RC4, "61", "01", 2, "", ""
-        yield f"PKCS12_PbeWithDigestAlgoAnd{way}", THREE_KEYS, "61", "01", 1, "NULL 8", GENERAL
-        for password, salt in (("NULL 1", "01"), ("61", "NULL 1")):
+        yield f"PKCS12_PbeWithDigestAlgoAnd{way}", THREE_KEYS, "61", "01", 1, "NULL @8", GENERAL
+        for password, salt in (("NULL @1", "01"), ("61", "NULL @1")):
             yield f"PKCS12_PbeWithDigestAlgoAnd{way}", THREE_KEYS, password, salt, 1, "5A*8", GENERAL
         yield (f"PKCS12_PbeWithDigestAlgoAnd{way}", THREE_KEYS, "61", "01", 1, "00 @0x7FFFFF08",
                "100: ------------>ZAPR_Malloc")
         for oid, key, iv in ((THREE_KEYS, "NULL", "22*8"), (THREE_KEYS, "11*257", "22*8"),
-                             (THREE_KEYS, "11*24", "NULL 8"), (RC2, "", "22*8"), (RC2, "11*129", "22*8"),
+                             (THREE_KEYS, "11*24", "NULL @8"), (RC2, "", "22*8"), (RC2, "11*129", "22*8"),
                              (RC2, "11*16", "NULL"), (RC4, "", "NULL"), (RC4, "11*257", "NULL")):
             yield f"PKCS12_DES{way}", oid, key, iv, "5A*8", GENERAL
     key, iv = b"\x11" * 24, b"\x22" * 8
@@ -354,9 +354,9 @@ def ciphers():
 
 def bad_digests():
     for number in (-1, 0, 1, 2, 4, 6, 8, 10, 12, 14, 15, -2147483643):
-        yield "PKCS7_DigestMessage", number, "NULL 1", BAD_DIGEST
+        yield "PKCS7_DigestMessage", number, "NULL @1", BAD_DIGEST
     yield "PKCS7_DigestMessage", 7, "00 @-1", "101: ------>ZACERT_LengthErr"
-    yield "PKCS7_DigestMessage", 7, "NULL 3", GENERAL
+    yield "PKCS7_DigestMessage", 7, "NULL @3", GENERAL
 
 
 # ---- RSA
@@ -416,12 +416,12 @@ def signatures(key):
         for text, given, record, outcome in cases:
             yield "PKCS7_VerifySignature", digest, text, given, record, outcome
     for number in (0, 4, 14, -1):
-        yield "PKCS7_SignedData", number, "NULL 1", "NULL", BAD_DIGEST
-        yield "PKCS7_VerifySignature", number, "NULL 1", "NULL 1", "NULL", BAD_DIGEST
-    for text, outcome in (("00 @-1", "101: ------>ZACERT_LengthErr"), ("NULL 1", GENERAL)):
+        yield "PKCS7_SignedData", number, "NULL @1", "NULL", BAD_DIGEST
+        yield "PKCS7_VerifySignature", number, "NULL @1", "NULL @1", "NULL", BAD_DIGEST
+    for text, outcome in (("00 @-1", "101: ------>ZACERT_LengthErr"), ("NULL @1", GENERAL)):
         yield "PKCS7_SignedData", 7, text, "NULL", outcome
         yield "PKCS7_VerifySignature", 7, text, "00", "NULL", outcome
-    yield "PKCS7_VerifySignature", 7, "00", "NULL 1", key, GENERAL
+    yield "PKCS7_VerifySignature", 7, "00", "NULL @1", key, GENERAL
 
 
 def operations(key, size):
@@ -438,7 +438,7 @@ def operations(key, size):
     for function in ("PublicEncrypt", "PublicDecrypt", "PrivateEncrypt", "PrivateDecrypt"):
         kind = "Public" if function.startswith("Public") else "Private"
         yield f"PKCS7_RSA{function}", "00", "NULL", f"126: ------>RSAref_{kind}_ref2eay  Err"
-        yield f"PKCS7_RSA{function}", "NULL 1", key, GENERAL
+        yield f"PKCS7_RSA{function}", "NULL @1", key, GENERAL
 
 
 def spoilt_keys():
