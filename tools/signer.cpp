@@ -10,6 +10,7 @@
 #include "private_key.hpp"
 
 #include <algorithm>
+#include <array>
 #include <openssl/err.h>
 #include <openssl/evp.h>
 #include <sstream>
@@ -92,9 +93,32 @@ Signer signer_of_file(const KeyOptions &options) {
     return signer;
 }
 
+struct TokenProblem {
+    uint32_t code;
+    std::string_view text;
+};
+
+constexpr auto kTokenProblems = std::to_array<TokenProblem>({
+    {ZACERT_GeneralErr, "the text is no PKCS#11 URI"},
+    {ZACERT_AttributeNotSupportErr, "the URI has an attribute that is not looked at"},
+    {ZACERT_ItemMissingErr, "no token or key is what the URI names"},
+    {ZACERT_InvalidSignatureAlgErr, "the key cannot sign with SHA-256"},
+    {ZACERT_PrivateKeyErr, "the PIN is missing or was refused"},
+    {ZACERT_InvalidItem, "several tokens or keys are what the URI names"},
+    {ZACERT_TypeErr, "the URI names another kind of object"},
+    {ZACERT_CryptErr, "the module cannot be loaded, or the token refused"},
+});
+
 Failure token_failure(uint32_t code) {
+    const auto row = std::find_if(kTokenProblems.begin(), kTokenProblems.end(),
+                                  [code](const TokenProblem &r) { return r.code == code; });
     std::ostringstream text;
-    text << "expected a key on a token: " << LibraryError(code).what();
+    text << "expected a key on a token: ";
+    if (row == kTokenProblems.end()) {
+        text << LibraryError(code).what();
+    } else {
+        text << row->text << " (" << code << ")";
+    }
     if (code == ZACERT_CryptErr && zacert_pkcs11_token_result() != 0) {
         text << ", PKCS#11 result 0x" << std::hex << zacert_pkcs11_token_result();
     }

@@ -215,7 +215,7 @@ class Pki(unittest.TestCase):
         os.environ["SOFTHSM2_CONF"] = str(self.folder / "conf")
         run(["bash", TOKEN, self.folder, SOFTHSM])
         for key in "object=rsa", "object=ec;id=%03":
-            uri = f"pkcs11:{key}?module-path={SOFTHSM}"
+            uri = f"pkcs11:token=a%20token;{key}?module-path={SOFTHSM}"
             token = ["--pkcs11", uri, "--password-file", "pin", "--out"]
             self.good("cert", "issue", "--self", "--subject", "CN=Token", "--profile", "ca", *token,
                       "token.pem")
