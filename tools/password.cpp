@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <openssl/evp.h>
+#include <unistd.h>
 
 namespace tool {
 
@@ -21,6 +23,14 @@ Secret first_line(View text) {
         throw Failure("expected a password of 1 to " + std::to_string(kMaxPassword) + " octets");
     }
     return Secret(text.first(size));
+}
+
+bool has_terminal() {
+    const int terminal = open("/dev/tty", O_RDWR | O_CLOEXEC);
+    if (terminal >= 0) {
+        close(terminal);
+    }
+    return terminal >= 0 || isatty(STDIN_FILENO) != 0;
 }
 
 Secret password_in_file(const std::string &path) {
@@ -60,6 +70,9 @@ std::optional<Secret> given_password(const PasswordSource &source) {
 }
 
 Secret asked_password(const std::string &prompt, Ask ask) {
+    if (!has_terminal()) {
+        throw Failure("there is no terminal to ask for the password; see --password-file");
+    }
     Secret buffer(kMaxPassword + 1);
     auto *text = reinterpret_cast<char *>(buffer.data());
     if (EVP_read_pw_string_min(text, 1, static_cast<int>(buffer.size()), prompt.c_str(),

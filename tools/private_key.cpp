@@ -82,6 +82,9 @@ struct PasswordRequest {
 // pass through it.
 int give_password(char *buffer, int size, int, void *context) {
     auto &request = *static_cast<PasswordRequest *>(context);
+    if (!request.problem.empty()) {
+        return -1;  // it asks again where it tries another form
+    }
     try {
         std::optional<Secret> given = given_password(request.source);
         const Secret password =
