@@ -96,7 +96,8 @@ bool verify_file(const Session &session, const std::string &path) {
             ders.push_back(object.der);
         }
     }
-    if (kind != ObjectKind::request && session.options.roots.empty()) {
+    const bool needs_issuer = kind == ObjectKind::certificate || kind == ObjectKind::crl;
+    if (needs_issuer && session.options.roots.empty()) {
         throw UsageError("--ca is required for certificates and CRLs");
     }
     Report report(std::cout);
