@@ -1,7 +1,7 @@
+#include "base/failure.hpp"
+#include "base/utf8.hpp"
 #include "commands.hpp"
-#include "failure.hpp"
-#include "show.hpp"
-#include "utf8.hpp"
+#include "show/show.hpp"
 
 #include <CLI/CLI.hpp>
 #include <cstdlib>

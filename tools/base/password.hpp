@@ -1,0 +1,30 @@
+// Passwords of key files and PINs of tokens. They never stand in the arguments, which other users of
+// the machine can see.
+#pragma once
+
+#include "base/secret.hpp"
+
+#include <CLI/CLI.hpp>
+#include <optional>
+#include <string>
+
+namespace tool {
+
+struct PasswordSource {
+    std::string file;
+    std::string variable;
+
+    bool given() const { return !file.empty() || !variable.empty(); }
+};
+
+// `otherwise` ends the help text: what happens without either option.
+void add_password_options(CLI::App &command, PasswordSource &source, const std::string &otherwise);
+
+// From the file's first line or the variable; nothing where neither is named.
+std::optional<Secret> given_password(const PasswordSource &source);
+
+// Asked for at the terminal, a new one twice.
+enum class Ask { once, twice };
+Secret asked_password(const std::string &prompt, Ask ask);
+
+}  // namespace tool

@@ -1,0 +1,113 @@
+#include "objects/kind.hpp"
+
+#include <zacert.h>
+
+#include "base/der.hpp"
+#include "base/elements.hpp"
+#include "base/times.hpp"
+
+#include <algorithm>
+#include <array>
+
+namespace tool {
+
+namespace {
+
+struct Label {
+    std::string_view text;
+    ObjectKind kind;
+};
+
+constexpr auto kLabels = std::to_array<Label>({
+    {"CERTIFICATE", ObjectKind::certificate},
+    {"X509 CERTIFICATE", ObjectKind::certificate},
+    {"TRUSTED CERTIFICATE", ObjectKind::certificate},
+    {"X509 CRL", ObjectKind::crl},
+    {"CERTIFICATE REQUEST", ObjectKind::request},
+    {"NEW CERTIFICATE REQUEST", ObjectKind::request},
+});
+
+// The part of the SEQUENCE's content that is there; nothing where it is no SEQUENCE.
+View inside(View sequence) {
+    const std::optional<Header> header = header_of(sequence);
+    if (!header || header->identifier != ZA_DER_ID_SEQUENCE) {
+        return {};
+    }
+    const View content = sequence.subspan(header->length);
+    return content.first(std::min(content.size(), header->content_length));
+}
+
+// Of the first elements; 0 stands for those that are not there.
+using Identifiers = std::array<uint8_t, 4>;
+
+Identifiers first_identifiers(View elements) {
+    Identifiers identifiers{};
+    for (uint8_t &identifier : identifiers) {
+        const std::optional<Header> header = header_of(elements);
+        if (!header) {
+            break;
+        }
+        identifier = header->identifier;
+        const View rest = elements.subspan(header->length);
+        elements = rest.subspan(std::min(rest.size(), header->content_length));
+    }
+    return identifiers;
+}
+
+bool is_complete(View element) {
+    const std::optional<Header> header = header_of(element);
+    return header && header->content_length <= element.size() - header->length;
+}
+
+// Behind an INTEGER, which is a version or the serial number of a certificate of version 1.
+ObjectKind kind_behind_integer(const Identifiers &identifiers, View der) {
+    if (identifiers[1] != ZA_DER_ID_SEQUENCE || identifiers[2] != ZA_DER_ID_SEQUENCE) {
+        return ObjectKind::unknown;
+    }
+    const uint8_t last = identifiers[3];
+    if (is_time(last)) {
+        return ObjectKind::crl;
+    }
+    // Some write no attributes at all where there are none.
+    if (last == constructed(0) || (last == 0 && is_complete(der))) {
+        return ObjectKind::request;
+    }
+    return last == ZA_DER_ID_SEQUENCE ? ObjectKind::certificate : ObjectKind::unknown;
+}
+
+}  // namespace
+
+std::string_view noun(ObjectKind kind) {
+    constexpr auto kNouns = std::to_array<std::string_view>(
+        {"a certificate, CRL or request", "a certificate", "a CRL", "a request"});
+    return kNouns[static_cast<size_t>(kind)];
+}
+
+ObjectKind kind_of_label(std::string_view label) {
+    const auto row = std::find_if(kLabels.begin(), kLabels.end(),
+                                  [label](const Label &entry) { return entry.text == label; });
+    return row == kLabels.end() ? ObjectKind::unknown : row->kind;
+}
+
+ObjectKind kind_of_der(View der) {
+    // TBSCertificate ::= SEQUENCE { version [0] DEFAULT v1, serialNumber INTEGER, signature,
+    //     issuer, validity SEQUENCE, ... }
+    // TBSCertList ::= SEQUENCE { version INTEGER OPTIONAL, signature, issuer, thisUpdate, ... }
+    // CertificationRequestInfo ::= SEQUENCE { version INTEGER, subject, subjectPKInfo,
+    //     attributes [0] }
+    const Identifiers identifiers = first_identifiers(inside(inside(der)));
+    switch (identifiers[0]) {
+        case constructed(0):
+            return ObjectKind::certificate;
+        case ZA_DER_ID_INTEGER:
+            return kind_behind_integer(identifiers, der);
+        case ZA_DER_ID_SEQUENCE:
+            return identifiers[1] == ZA_DER_ID_SEQUENCE && is_time(identifiers[2])
+                       ? ObjectKind::crl
+                       : ObjectKind::unknown;
+        default:
+            return ObjectKind::unknown;
+    }
+}
+
+}  // namespace tool

@@ -1,0 +1,21 @@
+// What an object of the input is.
+#pragma once
+
+#include "base/octets.hpp"
+
+#include <string_view>
+
+namespace tool {
+
+enum class ObjectKind { unknown, certificate, crl, request };
+
+// With its article; for the unknown one, whatever the tool can show.
+std::string_view noun(ObjectKind kind);
+
+// By the label of a PEM block.
+ObjectKind kind_of_label(std::string_view label);
+
+// By the elements at the beginning of the DER, of which the end may be missing.
+ObjectKind kind_of_der(View der);
+
+}  // namespace tool

@@ -1,0 +1,100 @@
+#include "show/show.hpp"
+
+#include <zacert.h>
+
+#include "base/failure.hpp"
+#include "base/utf8.hpp"
+#include "base/wording.hpp"
+#include "objects/input.hpp"
+#include "show/output.hpp"
+
+#include <iostream>
+
+namespace tool {
+
+namespace {
+
+class Show {
+  public:
+    explicit Show(Format format) : output_(format, std::cout) {}
+
+    void file(const std::string &path) {
+        try {
+            const std::vector<Candidate> candidates = objects_in(read_file(path));
+            for (size_t i = 0; i < candidates.size(); ++i) {
+                const std::string place =
+                    candidates.size() == 1 ? "" : "block " + std::to_string(i + 1) + ": ";
+                candidate(path, i + 1, place, candidates[i]);
+            }
+        } catch (const Failure &failure) {
+            report(path, failure.what());
+        }
+    }
+
+    // Whether everything was shown.
+    bool finish() {
+        output_.finish(num_failed_);
+        if (!std::cout) {
+            report("standard output", "expected to write all of it");
+        }
+        return num_failed_ == 0;
+    }
+
+  private:
+    void candidate(const std::string &path, size_t index, const std::string &place,
+                   const Candidate &candidate) {
+        if (!candidate.problem.empty()) {
+            report(path, place + candidate.problem);
+            return;
+        }
+        try {
+            decode_and_add(path, index, candidate);
+        } catch (const LibraryError &error) {
+            report(path,
+                   place + "expected " + std::string(noun(candidate.kind)) + ": " + error.what());
+        }
+    }
+
+    void decode_and_add(const std::string &path, size_t index, const Candidate &candidate) {
+        switch (candidate.kind) {
+            case ObjectKind::certificate:
+                add(path, index, read_certificate(candidate.der));
+                break;
+            case ObjectKind::crl:
+                add(path, index, read_crl(candidate.der));
+                break;
+            case ObjectKind::request:
+                add(path, index, read_request(candidate.der));
+                break;
+            case ObjectKind::unknown:
+                throw LibraryError(ZACERT_GeneralErr);
+        }
+    }
+
+    template <class Object>
+    void add(const std::string &path, size_t index, Object object) {
+        object.file = path;
+        object.index = index;
+        output_.add(object);
+    }
+
+    void report(const std::string &path, const std::string &problem) {
+        ++num_failed_;
+        std::cerr << "zacert: " << file_label(path) << ": " << printable(problem) << '\n';
+    }
+
+    Output output_;
+    size_t num_failed_ = 0;
+};
+
+}  // namespace
+
+bool show(const std::vector<std::string> &files, Format format) {
+    Show command(format);
+    for (const std::string &path : files) {
+        command.file(path);
+    }
+    return command.finish();
+}
+
+}  // namespace tool
