@@ -8,8 +8,10 @@
 
 namespace tool {
 
-// The library takes times as signed 32-bit seconds.
-constexpr std::chrono::sys_seconds kLastTime{std::chrono::seconds(INT32_MAX)};
+// The library takes times as signed 32-bit seconds, which end on 2038-01-19: the end of the day before
+// is the same date in every program's eyes.
+constexpr std::chrono::sys_seconds kLastTime =
+    std::chrono::sys_days(std::chrono::year(2038) / 1 / 19) - std::chrono::seconds(1);
 
 std::chrono::sys_seconds now();
 

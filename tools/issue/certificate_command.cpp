@@ -81,7 +81,7 @@ Validity validity_of(const Options &options, const LoadedCertificate *ca) {
             cap(ca->facts.not_after, "the end of the CA certificate", validity);
         }
     }
-    cap(kLastTime, "the last time that can be written", validity);
+    cap(kLastTime, "the end of the last whole day that can be written", validity);
     if (validity.begin > validity.end) {
         throw Failure("expected a certificate that ends after it begins");
     }

@@ -149,7 +149,7 @@ void set_fields(const Options &options, const LoadedCertificate &ca, const Signe
     const auto end = std::min(begin + std::chrono::days(options.days), kLastTime);
     if (end == kLastTime) {
         std::cerr << "zacert: nextUpdate is capped at " << shown_time(kLastTime)
-                  << ", the last time that can be written\n";
+                  << ", the end of the last whole day that can be written\n";
     }
     writer.set_number(CRL_VERSION, kVersion2);
     writer.set(CRL_INNER_SIGNATUREALGORITHM, signer.algorithm);
