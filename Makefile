@@ -1,14 +1,15 @@
 # The front door: "make help" lists what there is.
 PREFIX ?= /usr/local
+PRESET ?= release
 export CMAKE_BUILD_PARALLEL_LEVEL ?= $(shell nproc)
 
 all: ## build the library and the tool
 	scripts/install-packages build
-	cmake --preset release -D CMAKE_INSTALL_PREFIX=$(PREFIX)
-	cmake --build build/release
+	cmake --preset $(PRESET) -D CMAKE_INSTALL_PREFIX=$(PREFIX)
+	cmake --build build/$(PRESET)
 
 install: all ## install them below PREFIX (/usr/local); DESTDIR is put before it
-	DESTDIR=$(DESTDIR) cmake --install build/release
+	DESTDIR=$(DESTDIR) cmake --install build/$(PRESET)
 
 test: ## run everything a change must pass
 	scripts/test
