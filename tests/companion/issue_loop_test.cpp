@@ -5,7 +5,11 @@
 
 #include "support/bytes.hpp"
 
+#include <algorithm>
+#include <array>
 #include <gtest/gtest.h>
+#include <string>
+#include <string_view>
 
 namespace za::test {
 namespace {
