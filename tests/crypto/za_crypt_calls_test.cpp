@@ -102,7 +102,9 @@ void expect_outcome(const std::string &name, const Row &cells, const std::string
     SCOPED_TRACE(name + " " + testing::PrintToString(cells));
     const Callable &function = kFunctions.at(name);
     if (is_failure(expected) || !function.writes_octets) {
-        EXPECT_EQ(outcome(function, cells), expected);
+        // What editions of libcrypto do differently has one outcome "or" another.
+        const std::string given = outcome(function, cells);
+        EXPECT_NE((expected + " or ").find(given + " or "), expected.npos) << given;
     } else {
         EXPECT_EQ(outcome(function, cells), to_hex(from_hex(expected)));
         expect_sound(name, cells, expected);

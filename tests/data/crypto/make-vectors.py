@@ -429,7 +429,8 @@ def operations(key, size):
     for length in (0, 1, 13, size - 11):
         text = b"\x5a" * length
         yield "PKCS7_RSAPrivateEncrypt", text, key, sign(key, text)
-        yield "PKCS7_RSAPublicDecrypt", sign(key, text), key, text
+        if text:  # newer libcrypto takes an opened block without octets for a failure
+            yield "PKCS7_RSAPublicDecrypt", sign(key, text), key, text
         yield "PKCS7_RSAPrivateDecrypt", pkeyutl(key, "-encrypt", text), key, text
     yield "PKCS7_RSAPublicEncrypt", f"5A*{size - 10}", key, failure("public_encrypt")
     yield "PKCS7_RSAPrivateEncrypt", f"5A*{size - 10}", key, failure("private_encrypt")
@@ -449,12 +450,13 @@ def spoilt_keys():
     for first in (772, 900, 1028, 1156, 1284):
         yield "PKCS7_RSAPrivateEncrypt", "01", f"rsa1024 {first}+128", signature
     for key, outcome in (("516+256", load), ("4+256", run), ("4+255", run), ("4+248", run), ("259+1", run)):
-        yield "PKCS7_RSAPrivateEncrypt", "01", f"rsa1024 {key}", outcome
-        signing = outcome.replace("126:", "127:")
-        yield "PKCS7_SignedData", 7, "01", f"rsa1024 {key}", signing
+        # A modulus that is no modulus: newer libcrypto refuses the key and not the operation.
+        early = f" or {load}" if key.startswith("4+") else ""
+        yield "PKCS7_RSAPrivateEncrypt", "01", f"rsa1024 {key}", outcome + early
+        yield "PKCS7_SignedData", 7, "01", f"rsa1024 {key}", (outcome + early).replace("126:", "127:")
         for text in (signature, ""):
             given = outcome if outcome is load else outcome.replace("encrypt", "decrypt")
-            yield "PKCS7_RSAPrivateDecrypt", text, f"rsa1024 {key}", given
+            yield "PKCS7_RSAPrivateDecrypt", text, f"rsa1024 {key}", given + early
         if outcome is run:
             opening = run.replace("private_encrypt", "public_decrypt")
             yield "PKCS7_RSAPublicDecrypt", signature, f"rsa1024 {key}", opening
