@@ -132,18 +132,15 @@ Status dispatch_extension(Certificate &cert, const Element &extension) {
 }  // namespace
 
 Status decode_extensions(Certificate &cert, const Element &wrapper) {
-    Element inner;
-    uint32_t tag = 0;
-    ZA_TRY(ZAsn1_ReadExplicit, asn1::read_explicit(wrapper, inner, tag));
-    if (inner.octets.empty()) {
-        return Status::ok;
-    }
+    bool found = false;
     Children extensions;
-    ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(inner, extensions));
+    ZA_PASS(open_extensions(kWalk, wrapper, found, extensions));
     for (Element extension; extensions.next(extension);) {
         ZA_PASS(dispatch_extension(cert, extension));
     }
-    trace.note("======>ZI_Cert_DecodeExtensions");
+    if (found) {
+        trace.note("======>ZI_Cert_DecodeExtensions");
+    }
     return Status::ok;
 }
 

@@ -118,6 +118,19 @@ Status decode_signature(const Walk &walk, Children fields, const char *text, Fie
     return Status::ok;
 }
 
+// [n] EXPLICIT SEQUENCE OF Extension
+Status open_extensions(const Walk &walk, const Element &wrapper, bool &found, Children &out) {
+    const TraceSource &trace = walk.trace;
+    Element inner;
+    uint32_t tag = 0;
+    ZA_TRY(ZAsn1_ReadExplicit, asn1::read_explicit(wrapper, inner, tag));
+    found = !inner.octets.empty();
+    if (found) {
+        ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(inner, out));
+    }
+    return Status::ok;
+}
+
 // Extension ::= SEQUENCE { extnID OBJECT IDENTIFIER, critical BOOLEAN DEFAULT FALSE,
 //     extnValue OCTET STRING }
 Status open_extension(const Walk &walk, Children elements, Extension &out) {

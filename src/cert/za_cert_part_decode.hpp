@@ -48,6 +48,10 @@ struct Extension {
     Bytes value;
 };
 
+// The extensions inside their context tag, whichever it is; false where the tag holds nothing.
+Status open_extensions(const Walk &walk, const asn1::Element &wrapper, bool &found,
+                       asn1::Children &out);
+
 // The elements of one extension's SEQUENCE.
 Status open_extension(const Walk &walk, asn1::Children elements, Extension &out);
 

@@ -6,8 +6,6 @@
 #include "crypto/za_crypt_pkcs7.hpp"
 #include "runtime/trace.hpp"
 
-#include <array>
-
 namespace {
 
 constexpr za::TraceSource trace{".\\src\\za_crypt_refuns"};
@@ -20,7 +18,7 @@ namespace {
 static_assert(sizeof(ZA_RSArefPublicKey) == 516 && sizeof(ZA_RSArefPrivateKey) == 1412);
 static_assert(sizeof(void *) != 8 || (sizeof(ZA_PBE_RECORD) == 48 && sizeof(ZA_HMAC_RECORD) == 24));
 
-constexpr size_t kMostHmacKey = 200;
+constexpr uint32_t kMostHmacKey = 200;
 
 // The line of a missing context and the line of a failure.
 struct Lines {
@@ -41,17 +39,14 @@ Status with_context(const Lines &lines, void *context, const Call &call) {
 constexpr const char *kNoKey = "------>pKey == NULL  Err";
 constexpr const char *kNoRecord = "------>pStandard == NULL  Err";
 
-// The key is worked with in a copy of limited size.
-Status hmac_of_copy(const ZA_HMAC_RECORD &with, const uint8_t *in, uint32_t in_len, uint8_t *out,
-                    uint32_t *out_len) {
-    const Bytes key{with.key, with.key == nullptr ? 0 : with.keyLen};
-    if (key.size() > kMostHmacKey) {
+// Keys beyond this length have never been taken here; the function behind takes longer ones.
+Status hmac_by_callback(const ZA_HMAC_RECORD &with, const uint8_t *in, uint32_t in_len,
+                        uint8_t *out, uint32_t *out_len) {
+    if (with.key != nullptr && with.keyLen > kMostHmacKey) {
         return trace.fail(Status::crypt);
     }
-    Wiped<std::array<uint8_t, kMostHmacKey>> copy;
-    put(copy.value.data(), key);
-    return hmac(static_cast<uint32_t>(with.digest), copy.value.data(), to_u32(key.size()), in,
-                in_len, out, out_len);
+    return hmac(static_cast<uint32_t>(with.digest), with.key, with.keyLen, in, in_len, out,
+                out_len);
 }
 
 }  // namespace
@@ -144,7 +139,7 @@ int32_t ZA_HMACFunc_Ref(const uint8_t *in, uint32_t inLen, uint8_t *out, uint32_
     constexpr Lines kLines{kNoRecord, "------>ZA_PKCS12_HMAC  Err"};
     return called_back([&] {
         return with_context<ZA_HMAC_RECORD>(kLines, context, [&](const auto &with) {
-            return hmac_of_copy(with, in, inLen, out, outLen);
+            return hmac_by_callback(with, in, inLen, out, outLen);
         });
     });
 }

@@ -163,18 +163,15 @@ Status decode_crl_tbs(Crl &crl, const Element &tbs) {
 }
 
 Status decode_crl_extensions(Crl &crl, const Element &wrapper) {
-    Element inner;
-    uint32_t tag = 0;
-    ZA_TRY(ZAsn1_ReadExplicit, asn1::read_explicit(wrapper, inner, tag));
-    if (inner.octets.empty()) {
-        return Status::ok;
-    }
+    bool found = false;
     Children extensions;
-    ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(inner, extensions));
+    ZA_PASS(cert::open_extensions(kWalk, wrapper, found, extensions));
     for (Element extension; extensions.next(extension);) {
         ZA_PASS(decode_extension(crl, extension));
     }
-    trace.note("======>ZI_Crl_DecodeExtensions");
+    if (found) {
+        trace.note("======>ZI_Crl_DecodeExtensions");
+    }
     return Status::ok;
 }
 
