@@ -211,6 +211,27 @@ Status write_definite(Bytes in, uint8_t *out) {
     return convert(in, sink);
 }
 
+Status join_octet_string(Bytes element, Octets &out) {
+    BerElement whole;
+    ZA_PASS(open_ber(element, whole));
+    size_t used = 0;
+    bool folds = true;
+    Sink measure;
+    ZA_PASS(fold_octet_string(whole, 1, measure, used, folds));
+    if (!folds) {
+        return trace.fail(Status::type);
+    }
+    Octets joined;
+    ZA_PASS(joined.allocate(measure.size));
+    Sink sink{joined.data()};
+    // An empty result has no block, and nothing is left to be written.
+    if (!joined.empty()) {
+        ZA_PASS(fold_octet_string(whole, 1, sink, used, folds));
+    }
+    out = std::move(joined);
+    return Status::ok;
+}
+
 }  // namespace za::asn1
 
 using za::Status;

@@ -83,7 +83,7 @@ Status add_directory_entry(Certificate &cert, const Row &row, Bytes value) {
 
 template <auto Which>
 Status get_directory_entry(Certificate &cert, const Row &row, Bytes &out) {
-    out = first_of_kind((cert.*Which).directory, row.kind);
+    out = names::first_of_kind((cert.*Which).directory, row.kind);
     return Status::ok;
 }
 

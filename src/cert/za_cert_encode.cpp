@@ -2,6 +2,7 @@
 
 #include "cert/za_cert_attributes.hpp"
 #include "cert/za_cert_part_encode.hpp"
+#include "names/za_low_algorithm.hpp"
 #include "runtime/trace.hpp"
 
 namespace {
@@ -29,7 +30,7 @@ Status write_tbs_fields(Certificate &cert, Builder &out) {
     // version [0] EXPLICIT INTEGER, which DER leaves out for version 1 and this library never did
     out.wrapped(kVersion, [&] { out.integer(cert.version); });
     out.integer(cert.serial.bytes());
-    write_algorithm(cert.inner_algorithm.bytes(), out);
+    names::write_algorithm(cert.inner_algorithm.bytes(), out);
     ZA_PASS(write_name(trace, cert.issuer, cert.issuer.string_types.data(), out));
     ZA_TRY(ZI_Cert_EncodeValidity, write_validity(cert, out));
     ZA_PASS(write_name(trace, cert.subject, cert.subject.string_types.data(), out));

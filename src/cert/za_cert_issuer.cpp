@@ -109,7 +109,7 @@ bool has_utf8(const names::NameList &entries, uint32_t kind) {
 // What the CA's subject attribute reads as. Setters take GB18030, but the values of a UTF8String
 // are read as they stand; those without a counterpart there are passed on so.
 Status subject_value(Certificate &ca, uint32_t kind, Octets &out) {
-    Bytes value = first_of_kind(ca.subject.entries, kind);
+    Bytes value = names::first_of_kind(ca.subject.entries, kind);
     if (kind == names::kOrganizationalUnit) {
         ZA_TRY(ZACert_GetCertAttributeChar, join_units(ca.subject, kind, value));
     }

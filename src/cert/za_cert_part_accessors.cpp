@@ -10,14 +10,6 @@ constexpr za::TraceSource trace{".\\src\\za_cert"};
 
 namespace za::cert {
 
-Bytes first_of_kind(const names::NameList &entries, uint32_t kind) {
-    const ZI_NameEntry *entry = entries.first();
-    while (entry != nullptr && entry->attrKind != kind) {
-        entry = entry->nextEntry;
-    }
-    return entry == nullptr ? Bytes{} : bytes_of(entry->attrValue);
-}
-
 // A first walk counts, a second one writes.
 Status join_units(Name &name, uint32_t kind, Bytes &out) {
     constexpr std::string_view kJoint = ",OU=";
@@ -30,7 +22,7 @@ Status join_units(Name &name, uint32_t kind, Bytes &out) {
         }
     }
     if (num_units <= 1) {
-        out = first_of_kind(name.entries, kind);
+        out = names::first_of_kind(name.entries, kind);
         return Status::ok;
     }
     Octets joined;

@@ -50,11 +50,9 @@ Status add_entry(Context &context, const AttributeRow<Context> &row, Bytes value
     return (context.*Which).entries.append(row.kind, value, kStringType);
 }
 
-Bytes first_of_kind(const names::NameList &entries, uint32_t kind);
-
 template <auto Which, class Context>
 Status get_entry(Context &context, const AttributeRow<Context> &row, Bytes &out) {
-    out = first_of_kind((context.*Which).entries, row.kind);
+    out = names::first_of_kind((context.*Which).entries, row.kind);
     return Status::ok;
 }
 

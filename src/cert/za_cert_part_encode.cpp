@@ -1,18 +1,11 @@
 #include "cert/za_cert_part_encode.hpp"
 
 #include "keys/za_ext_ecc_key.hpp"
+#include "names/za_low_algorithm.hpp"
 
 namespace za::cert {
 
 using asn1::Builder;
-
-// AlgorithmIdentifier ::= SEQUENCE { algorithm OBJECT IDENTIFIER, parameters NULL }
-void write_algorithm(Bytes oid, Builder &out) {
-    out.sequence([&] {
-        out.object_id(oid);
-        out.null();
-    });
-}
 
 Status write_entries(const TraceSource &trace, Name &name, const uint8_t *string_types,
                      Builder &out) {
@@ -108,7 +101,7 @@ Status write_signed(Bytes tbs, Bytes algorithm, Bytes signature, Octets &out) {
     whole.reserve(size);
     const auto content = [&] {
         whole.raw(tbs);
-        write_algorithm(algorithm, whole);
+        names::write_algorithm(algorithm, whole);
         whole.bit_string(signature);
     };
     whole.sequence(content, size);

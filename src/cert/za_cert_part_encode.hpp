@@ -7,9 +7,6 @@
 
 namespace za::cert {
 
-// The parameters are NULL for every algorithm, those of elliptic curves too.
-void write_algorithm(Bytes oid, asn1::Builder &out);
-
 // Exactly one form must be there, else 108: DER, which is inserted as it stands, or entries.
 // `string_types` is a table of 256 octets, or NULL.
 Status write_name(const TraceSource &trace, Name &name, const uint8_t *string_types,

@@ -164,6 +164,14 @@ Status copy_record(const Anybuf &from, Anybuf &to) {
 
 }  // namespace
 
+Bytes first_of_kind(const NameList &entries, uint32_t kind) {
+    const ZI_NameEntry *entry = entries.first();
+    while (entry != nullptr && entry->attrKind != kind) {
+        entry = entry->nextEntry;
+    }
+    return entry == nullptr ? Bytes{} : bytes_of(entry->attrValue);
+}
+
 CallerEntries::~CallerEntries() {
     free_caller_entries(first_);
 }

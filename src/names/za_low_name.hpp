@@ -63,6 +63,9 @@ class NameList {
     ZI_NameEntry *tail_ = nullptr;
 };
 
+// The value of the first entry of this kind; empty where there is none.
+Bytes first_of_kind(const NameList &entries, uint32_t kind);
+
 // Entries as the interface hands them out, with blocks of their own for ZI_FreeName.
 class CallerEntries {
   public:

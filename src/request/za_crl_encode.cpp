@@ -1,5 +1,6 @@
 #include "asn1/za_asn2_builder.hpp"
 #include "cert/za_cert_part_encode.hpp"
+#include "names/za_low_algorithm.hpp"
 #include "names/za_low_oid.hpp"
 #include "request/za_crl_attributes.hpp"
 #include "request/za_crl_times.hpp"
@@ -168,7 +169,7 @@ void write_extensions(const Crl &crl, Builder &out) {
 // version INTEGER, signature AlgorithmIdentifier, issuer Name, thisUpdate Time, nextUpdate OPTIONAL
 Status write_head(Crl &crl, Builder &out) {
     out.integer(crl.version);
-    cert::write_algorithm(crl.inner_algorithm.bytes(), out);
+    names::write_algorithm(crl.inner_algorithm.bytes(), out);
     ZA_PASS(cert::write_name(trace, crl.issuer, nullptr, out));
     ZA_PASS(cert::write_time(trace, crl.this_update, out));
     return crl.has_next_update ? cert::write_time(trace, crl.next_update, out) : Status::ok;
@@ -219,7 +220,7 @@ Status write_crl(Crl &crl, Builder &out, size_t &tbs_size) {
         const Bytes signature = crl.signature.bytes();
         constexpr size_t kHeadersAndAlgorithm = 64;
         out.reserve(out.size() + signature.size() + kHeadersAndAlgorithm);
-        cert::write_algorithm(crl.outer_algorithm.bytes(), out);
+        names::write_algorithm(crl.outer_algorithm.bytes(), out);
         out.bit_string(signature);
         return Status::ok;
     };

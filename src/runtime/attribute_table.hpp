@@ -9,7 +9,7 @@
 
 namespace za {
 
-// What an attribute is called, and the whole lines its accessors trace.
+// What an attribute is called, and the whole lines its accessors trace: NULL where they trace none.
 struct AttributeTexts {
     const char *name;
     const char *set;
@@ -29,18 +29,35 @@ struct AttributeRow {
     Status (*get_int)(const Context &, uint32_t &) = nullptr;
 };
 
-#define ZA_ATTRIBUTE_TEXTS(identifier)                                     \
-    ::za::AttributeTexts {                                                 \
-#identifier, "======>Set " #identifier, "======>Get " #identifier, \
-            "======>Get " #identifier " LEN"                               \
+// `logged` is the name that lines have for the identifier, where it is another one.
+#define ZA_ATTRIBUTE_TEXTS_AS(identifier, logged)                                            \
+    ::za::AttributeTexts {                                                                   \
+#identifier, "======>Set " logged, "======>Get " logged, "======>Get " logged " LEN" \
     }
+#define ZA_ATTRIBUTE_TEXTS(identifier) ZA_ATTRIBUTE_TEXTS_AS(identifier, #identifier)
+
+// Lines that name nothing are not written.
+#define ZA_ATTRIBUTE_UNLOGGED(identifier)      \
+    ::za::AttributeTexts {                     \
+#identifier, nullptr, nullptr, nullptr \
+    }
+
+// What accessors say of an identifier they do not know.
+struct AttributeRefusal {
+    const char *set = "------>Set ZACERT_AttributeNotSupportErr";
+    const char *get = "------>Get ZACERT_AttributeNotSupportErr";
+    const char *set_int = set;
+    const char *get_int = get;
+    Status status = Status::attribute_not_supported;
+};
 
 template <class Context>
 class AttributeTable {
   public:
     using Row = AttributeRow<Context>;
 
-    constexpr explicit AttributeTable(std::span<const Row> rows) : rows_(rows) {}
+    constexpr explicit AttributeTable(std::span<const Row> rows, AttributeRefusal refusal = {})
+        : rows_(rows), refusal_(refusal) {}
 
     constexpr bool ascending() const {
         return std::ranges::is_sorted(rows_, std::ranges::less_equal{}, &Row::id) &&
@@ -52,18 +69,18 @@ class AttributeTable {
     Status set(const TraceSource &trace, Context &context, int32_t id, Bytes value) const {
         const Row *row = find(id);
         if (row == nullptr || row->set == nullptr) {
-            return not_settable(trace);
+            return trace.fail(refusal_.status, refusal_.set);
         }
-        trace.note(row->texts.set);
+        tell(trace, row->texts.set);
         return row->set(context, *row, value);
     }
 
     Status set_int(const TraceSource &trace, Context &context, int32_t id, int32_t value) const {
         const Row *row = find(id);
         if (row == nullptr || row->set_int == nullptr) {
-            return not_settable(trace);
+            return trace.fail(refusal_.status, refusal_.set_int);
         }
-        trace.note(row->texts.set);
+        tell(trace, row->texts.set);
         row->set_int(context, value);
         return Status::ok;
     }
@@ -73,9 +90,9 @@ class AttributeTable {
                uint32_t *out_len) const {
         const Row *row = find(id);
         if (row == nullptr || row->get == nullptr) {
-            return not_readable(trace);
+            return trace.fail(refusal_.status, refusal_.get);
         }
-        trace.note(out == nullptr ? row->texts.get_length : row->texts.get);
+        tell(trace, out == nullptr ? row->texts.get_length : row->texts.get);
         Bytes value;
         ZA_PASS(row->get(context, *row, value));
         hand_out(value, out, out_len);
@@ -86,29 +103,26 @@ class AttributeTable {
                    uint32_t *out) const {
         const Row *row = find(id);
         if (row == nullptr || row->get_int == nullptr) {
-            return not_readable(trace);
+            return trace.fail(refusal_.status, refusal_.get_int);
         }
-        trace.note(row->texts.get);
+        tell(trace, row->texts.get);
         return row->get_int(context, *out);
     }
 
   private:
+    static void tell(const TraceSource &trace, const char *text) {
+        if (text != nullptr) {
+            trace.note(text);
+        }
+    }
+
     const Row *find(int32_t id) const {
         const auto row = std::ranges::lower_bound(rows_, id, {}, &Row::id);
         return row != rows_.end() && row->id == id ? &*row : nullptr;
     }
 
-    static Status not_settable(const TraceSource &trace) {
-        return trace.fail(Status::attribute_not_supported,
-                          "------>Set ZACERT_AttributeNotSupportErr");
-    }
-
-    static Status not_readable(const TraceSource &trace) {
-        return trace.fail(Status::attribute_not_supported,
-                          "------>Get ZACERT_AttributeNotSupportErr");
-    }
-
     std::span<const Row> rows_;
+    AttributeRefusal refusal_;
 };
 
 }  // namespace za

@@ -29,8 +29,11 @@ Status Octets::allocate(size_t size) {
 }
 
 Status Octets::assign(Bytes bytes) {
-    ZA_PASS(allocate(bytes.size()));
-    put(data_, bytes);
+    // Before the old octets go: the new ones may be a piece of them.
+    Octets fresh;
+    ZA_PASS(fresh.allocate(bytes.size()));
+    put(fresh.data_, bytes);
+    swap(fresh);
     return Status::ok;
 }
 

@@ -114,9 +114,27 @@ template <>
 struct Wiped<Octets> {
     Octets value;
     Wiped() = default;
+    Wiped(Wiped &&other) noexcept { value.swap(other.value); }
+    Wiped &operator=(Wiped &&other) noexcept {
+        value.swap(other.value);
+        return *this;
+    }
     Wiped(const Wiped &) = delete;
     Wiped &operator=(const Wiped &) = delete;
     ~Wiped() { wipe(value.data(), value.size()); }
+
+    // A copy; on failure the old secret stays.
+    Status assign(Bytes bytes) {
+        Wiped fresh;
+        const Status status = fresh.value.assign(bytes);
+        if (status == Status::ok) {
+            value.swap(fresh.value);
+        }
+        return status;
+    }
+    Bytes bytes() const { return value.bytes(); }
 };
+
+using Secret = Wiped<Octets>;
 
 }  // namespace za

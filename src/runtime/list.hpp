@@ -33,12 +33,23 @@ class List {
 
   public:
     List() = default;
+    List(List &&other) noexcept { swap(other); }
+    List &operator=(List &&other) noexcept {
+        swap(other);
+        return *this;
+    }
     List(const List &) = delete;
     List &operator=(const List &) = delete;
     ~List() {
         while (first_ != nullptr) {
             destroy_in_heap(std::exchange(first_, first_->next));
         }
+    }
+
+    void swap(List &other) noexcept {
+        std::swap(first_, other.first_);
+        std::swap(last_, other.last_);
+        std::swap(size_, other.size_);
     }
 
     // The failure line is the caller's to name the family.

@@ -50,7 +50,9 @@ static_assert(std::ranges::is_sorted(kConditionTexts, {}, &ConditionText::status
 Status TraceSource::fail(Status status, uint32_t line) const noexcept {
     const auto row = std::ranges::lower_bound(kConditionTexts, status, {}, &ConditionText::status);
     const bool found = row != kConditionTexts.end() && row->status == status;
-    return fail(status, found ? row->text : "------>", line);
+    const std::string_view text = found ? row->text : "------>";
+    const bool longer = text.starts_with("------>ZACERT_");
+    return fail(status, {longer ? style_.longer_arrow : std::string_view(), text}, line);
 }
 
 }  // namespace za

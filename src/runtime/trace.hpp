@@ -27,10 +27,18 @@ struct TraceText {
 // empty one in its place and a test one that remembers.
 void write_trace(const char *source, uint32_t line, const TraceText &text) noexcept;
 
+// How the lines of a family differ: the arrow before the name of a code, and the code of arguments
+// that are missing.
+struct TraceStyle {
+    std::string_view longer_arrow;
+    Status missing_argument = Status::general;
+};
+
 // The family of source files that a line names. Every .cpp file that traces defines one `trace`.
 class TraceSource {
   public:
-    constexpr explicit TraceSource(const char *source) : source_(source) {}
+    constexpr explicit TraceSource(const char *source, TraceStyle style = {})
+        : source_(source), style_(style) {}
 
     void note(const TraceText &text, uint32_t line = __builtin_LINE()) const noexcept {
         write_trace(source_, line, text);
@@ -49,19 +57,27 @@ class TraceSource {
     // The arguments that must not be NULL.
     template <class... Pointers>
     Status need(Pointers... pointers) const noexcept {
-        return ((pointers != nullptr) && ...) ? Status::ok : fail(Status::general);
+        return ((pointers != nullptr) && ...) ? Status::ok : fail(style_.missing_argument);
     }
 
-    // The frame of an exported function called by the application: Begin, body, End on success.
+    // The lines around an exported function's body: Begin, and End on success. Functions of whole
+    // objects write them also when another one of the library works through them.
+    template <class Body>
+    Status announced(const Body &body, const char *name, uint32_t line = __builtin_LINE(),
+                     std::string_view arrow = "======>") const noexcept {
+        note({arrow, name, " Begin"}, line);
+        const Status status = body();
+        if (status == Status::ok) {
+            note({arrow, name, " End"}, line);
+        }
+        return status;
+    }
+
+    // The frame of an exported function called by the application.
     template <class Body>
     uint32_t exported(const Body &body, const char *name = __builtin_FUNCTION(),
                       uint32_t line = __builtin_LINE()) const noexcept {
-        note({"======>", name, " Begin"}, line);
-        const Status status = body();
-        if (status == Status::ok) {
-            note({"======>", name, " End"}, line);
-        }
-        return static_cast<uint32_t>(status);
+        return static_cast<uint32_t>(announced(body, name, line));
     }
 
     // The same for a function that writes lines of its own at its entry and exit.
@@ -72,6 +88,7 @@ class TraceSource {
 
   private:
     const char *source_;
+    TraceStyle style_;
 };
 
 }  // namespace za

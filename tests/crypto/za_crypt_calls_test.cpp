@@ -57,6 +57,7 @@ std::string outcome(const Callable &function, const Row &cells) {
     Octets out(kRoom, 0xA5);
     uint32_t len = kUntouched;
     const TraceRecord record;
+    ERR_clear_error();
     const uint32_t result = function.call(cells, out.data(), &len);
     EXPECT_EQ(ERR_peek_error(), 0u) << "left in libcrypto's queue";
     if (result == 0 && !function.writes_octets) {
