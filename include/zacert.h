@@ -37,6 +37,15 @@
 #include <zacert/identity.h>
 #include <zacert/keys.h>
 #include <zacert/names.h>
+#include <zacert/pkcs7.h>
+#include <zacert/pkcs7_attributes.h>
+#include <zacert/pkcs7_digested.h>
+#include <zacert/pkcs7_encrypted.h>
+#include <zacert/pkcs7_enveloped.h>
+#include <zacert/pkcs7_recipient.h>
+#include <zacert/pkcs7_signed.h>
+#include <zacert/pkcs7_signed_enveloped.h>
+#include <zacert/pkcs7_signer.h>
 #include <zacert/runtime.h>
 #include <zacert/text.h>
 #include <zacert/verify.h>
