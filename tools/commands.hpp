@@ -15,5 +15,6 @@ void add_request_command(CLI::App &app, Command &chosen);
 void add_certificate_command(CLI::App &app, Command &chosen);
 void add_crl_command(CLI::App &app, Command &chosen);
 void add_verify_command(CLI::App &app, Command &chosen);
+void add_p7_command(CLI::App &app, Command &chosen);
 
 }  // namespace tool

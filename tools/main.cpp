@@ -8,7 +8,6 @@
 #include <ctime>
 #include <exception>
 #include <iostream>
-#include <map>
 
 namespace {
 
@@ -32,8 +31,6 @@ void use_utc() {
 }
 
 int run(int argc, char **argv) {
-    const std::map<std::string, tool::Format> formats = {
-        {"text", tool::Format::text}, {"json", tool::Format::json}, {"table", tool::Format::table}};
     CLI::App app{"Makes, shows and verifies keys, certificates, requests and revocation lists."};
     app.name("zacert");
     app.set_version_flag("--version", "zacert " ZACERT_VERSION);
@@ -43,19 +40,22 @@ int run(int argc, char **argv) {
     std::vector<std::string> files;
     std::string format = "text";
     CLI::App *show =
-        app.add_subcommand("show", "Show certificates, CRLs and requests in DER or PEM.");
+        app.add_subcommand("show",
+                           "Show certificates, CRLs, requests and PKCS#7 messages in DER or "
+                           "PEM.");
     show->footer(kExamples);
     show->add_option("--format", format, "text, json or table")
-        ->check(CLI::IsMember(formats))
+        ->check(CLI::IsMember(tool::formats()))
         ->capture_default_str();
     show->add_option("FILE", files, "DER, or PEM with any number of blocks; - is standard input")
         ->required();
-    tool::Command chosen = [&] { return tool::show(files, formats.at(format)); };
+    tool::Command chosen = [&] { return tool::show(files, tool::formats().at(format)); };
     tool::add_key_command(app, chosen);
     tool::add_request_command(app, chosen);
     tool::add_certificate_command(app, chosen);
     tool::add_crl_command(app, chosen);
     tool::add_verify_command(app, chosen);
+    tool::add_p7_command(app, chosen);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

@@ -27,6 +27,11 @@ std::optional<Header> header_of(View octets) {
     return Header{octets[0], 2 + count, length};
 }
 
+bool has_indefinite_length(View sequence) {
+    constexpr uint8_t kIndefinite = 0x80;
+    return sequence.size() >= 2 && sequence[0] == ZA_DER_ID_SEQUENCE && sequence[1] == kIndefinite;
+}
+
 Element Elements::next() {
     if (at_end()) {
         throw LibraryError(ZACERT_GeneralErr);

@@ -25,6 +25,9 @@ struct Header {
 // Nothing for tags of more than one octet, indefinite lengths and lengths above 32 bits.
 std::optional<Header> header_of(View octets);
 
+// A SEQUENCE that ends where its content says so, as BER has it (X.690, 8.1.3.6).
+bool has_indefinite_length(View sequence);
+
 // Elements one after the other. Throws LibraryError for what is no element and at the end.
 class Elements {
   public:

@@ -1,6 +1,7 @@
 // Octets and their hexadecimal text.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -15,6 +16,10 @@ using View = std::span<const uint8_t>;
 
 inline std::string text_of(View octets) {
     return {octets.begin(), octets.end()};
+}
+
+inline bool same_octets(View left, View right) {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end());
 }
 
 // Lower case; `separator` stands between octets.

@@ -132,6 +132,8 @@ bool is_device(const std::string &path) {
     return stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
 }
 
+}  // namespace
+
 // Lines of PEM end in LF here as everywhere on Linux; the library ends them in CR LF.
 Octets pem(View der, const std::string &label) {
     const std::string header = "-----BEGIN " + label + "-----";
@@ -150,8 +152,6 @@ Octets pem(View der, const std::string &label) {
     text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
     return text;
 }
-
-}  // namespace
 
 void write_file(const std::string &path, View octets, mode_t mode, Existing existing) {
     if (path == "-") {

@@ -16,6 +16,9 @@ enum class Existing { replaced, kept };
 // also where the file exists and has to be kept.
 void write_file(const std::string &path, View octets, mode_t mode, Existing existing);
 
+// A block with the label.
+Octets pem(View der, const std::string &label);
+
 // How an object leaves the tool.
 struct OutputOptions {
     std::string path = "-";

@@ -14,10 +14,6 @@ namespace {
 
 constexpr size_t kMaxPath = 16;
 
-bool same_octets(View left, View right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end());
-}
-
 bool is_self_issued(const LoadedCertificate &certificate) {
     return same_name(certificate.parts.subject, certificate.parts.issuer);
 }
@@ -94,6 +90,16 @@ void check_signature(const LoadedCertificate &certificate, const LoadedCertifica
 }
 
 }  // namespace
+
+Certificates load_certificates(const std::vector<std::string> &paths) {
+    Certificates certificates;
+    for (const std::string &path : paths) {
+        for (Octets &der : load_all(path, ObjectKind::certificate)) {
+            certificates.push_back(std::make_shared<LoadedCertificate>(std::move(der)));
+        }
+    }
+    return certificates;
+}
 
 bool same_name(View left, View right) {
     if (same_octets(left, right)) {

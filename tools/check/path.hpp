@@ -14,6 +14,9 @@ namespace tool {
 // Copies share the certificates.
 using Certificates = std::vector<std::shared_ptr<const LoadedCertificate>>;
 
+// Every certificate of every file.
+Certificates load_certificates(const std::vector<std::string> &paths);
+
 struct TrustStore {
     Certificates roots;
     Certificates others;

@@ -147,18 +147,14 @@ SignatureVerdict guarded(const std::function<SignatureVerdict()> &body) {
     }
 }
 
-bool is_same(View left, View right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end());
-}
-
 constexpr auto kTwoAlgorithms = "the algorithms inside and outside of the signed part differ";
 
 }  // namespace
 
 SignatureVerdict check_certificate_signature(View issuer, View certificate, Moment moment) {
     return guarded([&]() -> SignatureVerdict {
-        if (!is_same(certificate_parts(certificate).algorithm,
-                     signed_object(certificate).algorithm)) {
+        if (!same_octets(certificate_parts(certificate).algorithm,
+                         signed_object(certificate).algorithm)) {
             return {false, kTwoAlgorithms};
         }
         const View key_info = certificate_parts(issuer).key;
@@ -202,7 +198,7 @@ SignatureVerdict check_certificate_signature(View issuer, View certificate, Mome
 
 SignatureVerdict check_crl_signature(View issuer, View crl) {
     return guarded([&]() -> SignatureVerdict {
-        if (!is_same(crl_parts(crl).algorithm, signed_object(crl).algorithm)) {
+        if (!same_octets(crl_parts(crl).algorithm, signed_object(crl).algorithm)) {
             return {false, kTwoAlgorithms};
         }
         return check_by(

@@ -1,5 +1,8 @@
 #include "issue/private_key.hpp"
 
+#include <zacert/gm.h>
+
+#include "base/callback.hpp"
 #include "base/failure.hpp"
 #include "base/wording.hpp"
 
@@ -177,6 +180,17 @@ Secret der_of_key(EVP_PKEY &key) {
         throw key_failure("the private key cannot be written");
     }
     return octets_in(*bio);
+}
+
+Secret gm_key_of(EVP_PKEY &key) {
+    Secret der = der_of_key(key);
+    zacert_gm_key record{};
+    const uint32_t result =
+        zacert_gm_key_from_der(der.data(), static_cast<uint32_t>(der.size()), &record);
+    Secret octets = octets_of_record(record);
+    OPENSSL_cleanse(&record, sizeof record);
+    check(result);
+    return octets;
 }
 
 Octets public_key_of(EVP_PKEY &key) {

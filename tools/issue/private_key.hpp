@@ -21,6 +21,9 @@ EvpKey read_private_key(const std::string &path, const PasswordSource &source);
 // PrivateKeyInfo (RFC 5208), not encrypted.
 Secret der_of_key(EVP_PKEY &key);
 
+// A key on SM2 or P-256 as a zacert_gm_key.
+Secret gm_key_of(EVP_PKEY &key);
+
 // SubjectPublicKeyInfo.
 Octets public_key_of(EVP_PKEY &key);
 

@@ -22,6 +22,9 @@ struct KeyOptions {
 // `option` names the file, such as "--ca-key"; "--pkcs11" stands beside it.
 void add_key_options(CLI::App &command, const std::string &option, KeyOptions &options);
 
+// The URI where the key is on a token; empty where it is in a file.
+std::string token_uri(const KeyOptions &options);
+
 struct Signer {
     ZACertSignFunc function = nullptr;
     Secret context;               // handed to the function

@@ -2,6 +2,8 @@
 
 #include <zacert.h>
 
+#include "base/der.hpp"
+#include "base/elements.hpp"
 #include "base/failure.hpp"
 #include "base/pem.hpp"
 
@@ -87,14 +89,49 @@ std::string size_problem(ObjectKind kind, View octets, Trailer trailer) {
     }
 }
 
+// Many write PKCS#7 with indefinite lengths: what follows sees definite ones alone. The message is
+// taken apart and put together again, because what rewrites lengths gives nothing longer than it
+// got, and from 64 KiB on definite lengths take more octets.
+Octets definite(View message) {
+    Octets type;
+    Octets content;
+    uint32_t type_length = 0;
+    uint32_t content_length = 0;
+    const auto take_apart = [&](uint8_t *type_out, uint8_t *content_out) {
+        check(ZA_PKCS7_DecodePKCS7DerTypeData(message.data(), static_cast<uint32_t>(message.size()),
+                                              type_out, &type_length, content_out,
+                                              &content_length));
+    };
+    take_apart(nullptr, nullptr);
+    type.resize(type_length);
+    content.resize(content_length);
+    take_apart(type.data(), content.data());
+    return fetched([&](uint8_t *out, uint32_t *length) {
+        return ZA_PKCS7_EncodePKCS7DerTypeData(content.data(), content_length, type.data(),
+                                               type_length, out, length);
+    });
+}
+
+std::string problem_of(ObjectKind kind, Octets &octets, Trailer trailer) {
+    if (kind != ObjectKind::message || !has_indefinite_length(octets)) {
+        return size_problem(kind, octets, trailer);
+    }
+    try {
+        octets = definite(octets);
+        return "";
+    } catch (const LibraryError &error) {
+        return expected(kind, error.what());
+    }
+}
+
 Candidate candidate_of(PemBlock block) {
     Candidate candidate;
     candidate.kind = kind_of_label(block.label);
     // A trusted certificate carries settings of its owner behind it.
     const bool trusted = block.label == "TRUSTED CERTIFICATE";
     candidate.problem = block.problem.empty()
-                            ? size_problem(candidate.kind, block.octets,
-                                           trusted ? Trailer::allowed : Trailer::forbidden)
+                            ? problem_of(candidate.kind, block.octets,
+                                         trusted ? Trailer::allowed : Trailer::forbidden)
                             : expected(candidate.kind, block.problem);
     if (candidate.problem.empty()) {
         block.octets.resize(announced_length(block.octets));
@@ -111,8 +148,10 @@ std::vector<Candidate> objects_in_pem(std::vector<PemBlock> blocks) {
         }
     }
     if (candidates.empty()) {
-        throw Failure("expected a PEM block CERTIFICATE, X509 CRL or CERTIFICATE REQUEST, found " +
-                      blocks.front().label);
+        throw Failure(
+            "expected a PEM block CERTIFICATE, X509 CRL, CERTIFICATE REQUEST, PKCS7 or CMS, "
+            "found " +
+            blocks.front().label);
     }
     return candidates;
 }
@@ -136,7 +175,7 @@ std::vector<Candidate> objects_in(Octets file) {
     }
     Candidate der;
     der.kind = kind_of_der(file);
-    der.problem = size_problem(der.kind, file, Trailer::forbidden);
+    der.problem = problem_of(der.kind, file, Trailer::forbidden);
     // Text may begin with the digit zero, which is the identifier of a SEQUENCE.
     if (!der.problem.empty()) {
         std::vector<PemBlock> blocks =

@@ -25,6 +25,8 @@ constexpr auto kLabels = std::to_array<Label>({
     {"X509 CRL", ObjectKind::crl},
     {"CERTIFICATE REQUEST", ObjectKind::request},
     {"NEW CERTIFICATE REQUEST", ObjectKind::request},
+    {"PKCS7", ObjectKind::message},
+    {"CMS", ObjectKind::message},
 });
 
 // The part of the SEQUENCE's content that is there; nothing where it is no SEQUENCE.
@@ -35,6 +37,11 @@ View inside(View sequence) {
     }
     const View content = sequence.subspan(header->length);
     return content.first(std::min(content.size(), header->content_length));
+}
+
+// The same where the length may be indefinite.
+Elements inside_any_length(View sequence) {
+    return Elements(has_indefinite_length(sequence) ? sequence.subspan(2) : inside(sequence));
 }
 
 // Of the first elements; 0 stands for those that are not there.
@@ -79,7 +86,8 @@ ObjectKind kind_behind_integer(const Identifiers &identifiers, View der) {
 
 std::string_view noun(ObjectKind kind) {
     constexpr auto kNouns = std::to_array<std::string_view>(
-        {"a certificate, CRL or request", "a certificate", "a CRL", "a request"});
+        {"a certificate, CRL, request or PKCS#7 message", "a certificate", "a CRL", "a request",
+         "a PKCS#7 message"});
     return kNouns[static_cast<size_t>(kind)];
 }
 
@@ -90,6 +98,10 @@ ObjectKind kind_of_label(std::string_view label) {
 }
 
 ObjectKind kind_of_der(View der) {
+    // ContentInfo ::= SEQUENCE { contentType OBJECT IDENTIFIER, content [0] OPTIONAL }
+    if (inside_any_length(der).identifier() == ZA_DER_ID_OBJECTID) {
+        return ObjectKind::message;
+    }
     // TBSCertificate ::= SEQUENCE { version [0] DEFAULT v1, serialNumber INTEGER, signature,
     //     issuer, validity SEQUENCE, ... }
     // TBSCertList ::= SEQUENCE { version INTEGER OPTIONAL, signature, issuer, thisUpdate, ... }

@@ -7,7 +7,7 @@
 
 namespace tool {
 
-enum class ObjectKind { unknown, certificate, crl, request };
+enum class ObjectKind { unknown, certificate, crl, request, message };
 
 // With its article; for the unknown one, whatever the tool can show.
 std::string_view noun(ObjectKind kind);
@@ -15,7 +15,8 @@ std::string_view noun(ObjectKind kind);
 // By the label of a PEM block.
 ObjectKind kind_of_label(std::string_view label);
 
-// By the elements at the beginning of the DER, of which the end may be missing.
+// By the elements at the beginning, of which the end may be missing. Messages may have indefinite
+// lengths.
 ObjectKind kind_of_der(View der);
 
 }  // namespace tool

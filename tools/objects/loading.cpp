@@ -3,6 +3,7 @@
 #include "base/failure.hpp"
 #include "base/wording.hpp"
 #include "objects/input.hpp"
+#include "objects/pkcs7.hpp"
 
 #include <algorithm>
 
@@ -26,6 +27,9 @@ void require_kind(ObjectKind kind, View der) {
             break;
         case ObjectKind::crl:
             read_crl(der);
+            break;
+        case ObjectKind::message:
+            read_message(der);
             break;
         default:
             request_parts(der);

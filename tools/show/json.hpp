@@ -3,6 +3,7 @@
 
 #include "objects/certificate.hpp"
 #include "objects/crl.hpp"
+#include "objects/pkcs7.hpp"
 #include "objects/request.hpp"
 
 #include <chrono>
@@ -16,6 +17,7 @@ using Json = nlohmann::ordered_json;
 
 Json certificate_json(const Certificate &certificate);
 Json request_json(const Request &request);
+Json message_json(const Message &message);
 Json crl_json(const Crl &crl);  // without its entries
 Json entry_json(const RevokedEntry &entry);
 

@@ -50,6 +50,20 @@ void Output::add(const Request &request) {
     }
 }
 
+void Output::add(const Message &message) {
+    switch (format_) {
+        case Format::text:
+            next_page() << message_text(message);
+            break;
+        case Format::json:
+            json_.add(message_json(message));
+            break;
+        case Format::table:
+            table_.add(message);
+            break;
+    }
+}
+
 void Output::finish(size_t num_failed) {
     if (format_ == Format::json) {
         json_.finish();

@@ -16,6 +16,7 @@ class Output {
     void add(const Certificate &certificate);
     void add(const Crl &crl);
     void add(const Request &request);
+    void add(const Message &message);
 
     // What comes behind all objects. `num_failed` of them are not among those added.
     void finish(size_t num_failed);

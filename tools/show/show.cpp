@@ -6,6 +6,7 @@
 #include "base/utf8.hpp"
 #include "base/wording.hpp"
 #include "objects/input.hpp"
+#include "objects/pkcs7.hpp"
 #include "show/output.hpp"
 
 #include <iostream>
@@ -16,11 +17,11 @@ namespace {
 
 class Show {
   public:
-    explicit Show(Format format) : output_(format, std::cout) {}
+    Show(Format format, ObjectKind wanted) : output_(format, std::cout), wanted_(wanted) {}
 
     void file(const std::string &path) {
         try {
-            const std::vector<Candidate> candidates = objects_in(read_file(path));
+            const std::vector<Candidate> candidates = objects_in(read_file(path, noun(wanted_)));
             for (size_t i = 0; i < candidates.size(); ++i) {
                 const std::string place =
                     candidates.size() == 1 ? "" : "block " + std::to_string(i + 1) + ": ";
@@ -47,11 +48,20 @@ class Show {
             report(path, place + candidate.problem);
             return;
         }
+        if (wanted_ != ObjectKind::unknown && candidate.kind != wanted_) {
+            report(path, place + "expected " + std::string(noun(wanted_)) +
+                             (candidate.kind == ObjectKind::unknown
+                                  ? ""
+                                  : ", found " + std::string(noun(candidate.kind))));
+            return;
+        }
         try {
             decode_and_add(path, index, candidate);
         } catch (const LibraryError &error) {
             report(path,
                    place + "expected " + std::string(noun(candidate.kind)) + ": " + error.what());
+        } catch (const Failure &failure) {
+            report(path, place + failure.what());
         }
     }
 
@@ -65,6 +75,9 @@ class Show {
                 break;
             case ObjectKind::request:
                 add(path, index, read_request(candidate.der));
+                break;
+            case ObjectKind::message:
+                add(path, index, read_message(candidate.der));
                 break;
             case ObjectKind::unknown:
                 throw LibraryError(ZACERT_GeneralErr);
@@ -84,13 +97,20 @@ class Show {
     }
 
     Output output_;
+    ObjectKind wanted_;
     size_t num_failed_ = 0;
 };
 
 }  // namespace
 
-bool show(const std::vector<std::string> &files, Format format) {
-    Show command(format);
+const std::map<std::string, Format> &formats() {
+    static const std::map<std::string, Format> kFormats = {
+        {"text", Format::text}, {"json", Format::json}, {"table", Format::table}};
+    return kFormats;
+}
+
+bool show(const std::vector<std::string> &files, Format format, ObjectKind wanted) {
+    Show command(format, wanted);
     for (const std::string &path : files) {
         command.file(path);
     }

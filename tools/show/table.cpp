@@ -3,6 +3,7 @@
 #include "base/utf8.hpp"
 #include "base/wording.hpp"
 #include "objects/name_forms.hpp"
+#include "objects/oid_names.hpp"
 
 #include <algorithm>
 #include <array>
@@ -105,7 +106,7 @@ void Table::add(const Certificate &certificate) {
 }
 
 void Table::add(const Crl &crl) {
-    certificates_alone_ = false;
+    most_ = std::max(most_, ObjectKind::request);
     add({"(CRL, " + std::to_string(crl.num_revoked) + " revoked)", short_form(crl.issuer),
          number_of(crl), date(crl.this_update), crl.next_update ? date(*crl.next_update) : "-",
          "-"},
@@ -113,7 +114,7 @@ void Table::add(const Crl &crl) {
 }
 
 void Table::add(const Request &request) {
-    certificates_alone_ = false;
+    most_ = std::max(most_, ObjectKind::request);
     std::vector<Extension> extensions;
     for (const RequestAttribute &attribute : request.attributes) {
         extensions.insert(extensions.end(), attribute.extensions.begin(),
@@ -123,7 +124,29 @@ void Table::add(const Request &request) {
         extensions);
 }
 
+void Table::add(const Message &message) {
+    most_ = ObjectKind::message;
+    std::string what = "(" + label(message.type);
+    const IssuerSerial *first = nullptr;
+    if (message.has_recipients()) {
+        what += ", recipients: " + std::to_string(message.recipients.size());
+        first = message.recipients.empty() ? nullptr : &message.recipients.front().certificate;
+    }
+    if (message.has_signers()) {
+        what += ", signers: " + std::to_string(message.signers.size());
+        first = message.signers.empty() ? first : &message.signers.front().certificate;
+    }
+    add({what + ")", first == nullptr ? "-" : short_form(first->name),
+         first == nullptr ? "-" : first->serial.hex(), "-", "-",
+         message.encryption ? label(message.encryption->id) : "-"},
+        {});
+}
+
 void Table::print(std::ostream &out, size_t num_failed) const {
+    const std::string_view counted = most_ == ObjectKind::certificate ? " certificates, "
+                                     : most_ == ObjectKind::request
+                                         ? " certificates, CRLs and requests, "
+                                         : " certificates, CRLs, requests and messages, ";
     const Widths widths = column_widths(rows_);
     Row titles;
     for (const Column &column : kColumns) {
@@ -133,10 +156,8 @@ void Table::print(std::ostream &out, size_t num_failed) const {
     for (const Row &row : rows_) {
         print_row(out, row, widths);
     }
-    out << rows_.size() + num_failed
-        << (certificates_alone_ ? " certificates, " : " certificates, CRLs and requests, ")
-        << rows_.size() << " decoded; " << num_extensions_ << " extensions, "
-        << num_decoded_extensions_ << " decoded\n";
+    out << rows_.size() + num_failed << counted << rows_.size() << " decoded; " << num_extensions_
+        << " extensions, " << num_decoded_extensions_ << " decoded\n";
 }
 
 }  // namespace tool

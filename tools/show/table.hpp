@@ -3,6 +3,8 @@
 
 #include "objects/certificate.hpp"
 #include "objects/crl.hpp"
+#include "objects/kind.hpp"
+#include "objects/pkcs7.hpp"
 #include "objects/request.hpp"
 
 #include <ostream>
@@ -14,6 +16,7 @@ class Table {
     void add(const Certificate &certificate);
     void add(const Crl &crl);
     void add(const Request &request);
+    void add(const Message &message);
 
     // `num_failed` objects could not be read and are counted in the last line.
     void print(std::ostream &out, size_t num_failed) const;
@@ -27,7 +30,7 @@ class Table {
     std::vector<Row> rows_;
     size_t num_extensions_ = 0;
     size_t num_decoded_extensions_ = 0;
-    bool certificates_alone_ = true;
+    ObjectKind most_ = ObjectKind::certificate;  // the last kind in its list that is there
 };
 
 }  // namespace tool

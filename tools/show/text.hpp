@@ -3,6 +3,7 @@
 
 #include "objects/certificate.hpp"
 #include "objects/crl.hpp"
+#include "objects/pkcs7.hpp"
 #include "objects/request.hpp"
 
 #include <ostream>
@@ -13,6 +14,7 @@ namespace tool {
 
 std::string certificate_text(const Certificate &certificate);
 std::string request_text(const Request &request);
+std::string message_text(const Message &message);
 
 // Entry by entry, since there may be millions of them.
 void write_crl_text(const Crl &crl, std::ostream &out);

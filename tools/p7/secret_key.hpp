@@ -1,0 +1,23 @@
+// Secret keys that sender and recipient share.
+#pragma once
+
+#include "base/secret.hpp"
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+namespace tool {
+
+struct SecretKeyOptions {
+    std::string digits;
+    std::string file;
+
+    bool given() const { return !digits.empty() || !file.empty(); }
+};
+
+void add_secret_key_options(CLI::App &command, SecretKeyOptions &options);
+
+// Throws Failure.
+Secret secret_key(const SecretKeyOptions &options);
+
+}  // namespace tool
