@@ -69,8 +69,10 @@ Status decode_signed_data(Bytes in, SignedData &out) {
 uint32_t ZA_PKCS7_DecodeSignedData(void *ctx, const uint8_t *der, uint32_t derLen) {
     const auto decode = [&] {
         ZA_PASS(trace.need(ctx, der));
-        return za::pkcs7::decode_signed_data({der, derLen},
-                                             *static_cast<za::pkcs7::SignedData *>(ctx));
+        const za::Status status = za::pkcs7::decode_signed_data(
+            {der, derLen}, *static_cast<za::pkcs7::SignedData *>(ctx));
+        return status == za::Status::memory ? trace.fail(status, "------------>ZACERT_MemoryErr")
+                                            : status;
     };
     return trace.unannounced([&] {
         return trace.announced(decode, "ZA_PKCS7_DecodeSignedData", __builtin_LINE(), "=========>");

@@ -79,10 +79,14 @@ TEST(SignedDataFields, LinesHaveTheirNamesAndArrows) {
     const TraceRecord trace;
     put_data(message, kShort);
     message.decode(der);
+    fail_allocation(1);
+    message.decode(der);
     const std::string encode = "======>ZA_PKCS7_EncodePKCS7SignedData";
     const std::string decode = "=========>ZA_PKCS7_DecodeSignedData";
-    EXPECT_EQ(trace.lines(), (Trail{encode + " Begin", encode + " End", encode + " Begin",
-                                    encode + " End", decode + " Begin", decode + " End"}));
+    EXPECT_EQ(trace.lines(),
+              (Trail{encode + " Begin", encode + " End", encode + " Begin", encode + " End",
+                     decode + " Begin", decode + " End", decode + " Begin", "------>ZAPR_Malloc",
+                     "------------>ZACERT_MemoryErr"}));
 }
 
 // "file | content | counts | verdicts | whether changes are tried": messages of openssl.
