@@ -48,21 +48,16 @@ Status encode(EnvelopedData &message, Octets &out) {
 // recipientInfos SET OF RecipientInfo; what CMS may put before them has a context tag.
 Status read_all_recipients(Children &fields, EnvelopedParts &out) {
     constexpr const char *kMissing = "------>Recipient Infos is null";
-    if (fields.empty()) {
-        return trace.fail(Status::invalid_item, kMissing);
-    }
     Element recipients;
-    ZA_PASS(take_field(trace, fields, ZA_DER_ID_SET, recipients));
+    ZA_PASS(take_field(trace, fields, ZA_DER_ID_SET, recipients, kMissing));
     return read_recipients(trace, recipients, kMissing, out);
 }
 
 // encryptedContentInfo EncryptedContentInfo
 Status read_content(Children &fields, EnvelopedParts &out) {
-    if (fields.empty()) {
-        return trace.fail(Status::invalid_item, "------>digest Infomation is null");
-    }
     Element content;
-    ZA_PASS(take_field(trace, fields, ZA_DER_ID_SEQUENCE, content));
+    ZA_PASS(
+        take_field(trace, fields, ZA_DER_ID_SEQUENCE, content, "------>digest Infomation is null"));
     return read_encrypted_content(trace, content, out.encrypted);
 }
 

@@ -17,7 +17,6 @@ struct SignedData {
     Field content;
     // Where the content of decoded signers stands: it stays when another content is set.
     Field received_content;
-    bool has_received_content = false;
     SignedParts parts;
 };
 

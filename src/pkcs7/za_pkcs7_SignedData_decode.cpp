@@ -22,18 +22,18 @@ using asn1::Children;
 using asn1::Element;
 
 // contentInfo ContentInfo, whose content signers need when they are verified.
-Status read_content(const Element &in, SignedData &out) {
+Status read_content(const Element &in, SignedData &out, bool &has_content) {
     ContentInfo info;
     ZA_TRY(ZI_MakeSequenceToContent, read_content_info(in, info));
     ZA_PASS(read_inner_content(trace, info, out.received_content));
     out.content_type.refer(info.type);
     out.content.refer(out.received_content.bytes());
     out.has_content_info = true;
-    out.has_received_content = info.has_content;
+    has_content = info.has_content;
     return Status::ok;
 }
 
-Status read_signed_data(const Element &in, SignedData &out) {
+Status read_signed_data(const Element &in, SignedData &out, bool &has_content) {
     Children fields;
     Element field;
     ZA_TRY(ZAsn1_ReadSequence, asn1::read_sequence(in, fields));
@@ -45,7 +45,7 @@ Status read_signed_data(const Element &in, SignedData &out) {
     ZA_PASS(read_digest_algorithms(trace, field, out.parts));
     // contentInfo ContentInfo
     ZA_PASS(take_field(trace, fields, ZA_DER_ID_SEQUENCE, field));
-    ZA_PASS(read_content(field, out));
+    ZA_PASS(read_content(field, out, has_content));
     return read_from_certificates(trace, fields, nullptr, out.parts);
 }
 
@@ -55,10 +55,10 @@ Status decode_signed_data(Bytes in, SignedData &out) {
     SignedData fresh;
     Element content;
     ZA_PASS(open_message(trace, in, oid::kSignedData, fresh.kept, content));
-    ZA_PASS(read_signed_data(content, fresh));
+    bool has_content = false;
+    ZA_PASS(read_signed_data(content, fresh, has_content));
     for (SignerInfo *signer : fresh.parts.signers) {
-        refer_content(*signer, fresh.content_type.bytes(), fresh.content.bytes(),
-                      fresh.has_received_content);
+        refer_content(*signer, fresh.content_type.bytes(), fresh.content.bytes(), has_content);
     }
     out = std::move(fresh);
     return Status::ok;
