@@ -22,6 +22,7 @@ void Builder::reserve(size_t size) {
     status_ = larger.allocate(size);
     if (status_ == Status::ok) {
         put(larger.data(), bytes());
+        clear(0);
         block_ = std::move(larger);
     }
 }
@@ -139,6 +140,7 @@ void Builder::end(const Open &open) {
 
 Status Builder::finish(Octets &out) {
     ZA_PASS(status_);
+    clear(size_);
     block_.truncate(size_);
     out = std::move(block_);
     block_ = Octets();

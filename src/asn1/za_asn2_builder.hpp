@@ -13,6 +13,14 @@ namespace za::asn1 {
 
 class Builder {
   public:
+    // With secret contents no octet stays in a block that is given back to the heap.
+    enum class Contents : uint8_t { open, secret };
+
+    explicit Builder(Contents contents = Contents::open) : contents_(contents) {}
+    ~Builder() { clear(0); }
+    Builder(const Builder &) = delete;
+    Builder &operator=(const Builder &) = delete;
+
     // Makes room for so many octets in all, where the size is known ahead.
     void reserve(size_t size);
 
@@ -74,11 +82,19 @@ class Builder {
     Open begin(uint8_t identifier, size_t expected);
     void end(const Open &open);
 
+    // Wipes the block from here on where the contents are secret.
+    void clear(size_t from) {
+        if (contents_ == Contents::secret && block_.size() > from) {
+            wipe(block_.data() + from, block_.size() - from);
+        }
+    }
+
     // A place for `size` more octets, or NULL.
     uint8_t *grow(size_t size);
 
     Octets block_;
     size_t size_ = 0;
+    Contents contents_;
     Status status_ = Status::ok;
 };
 

@@ -31,7 +31,9 @@ Status write_fields(EnvelopedData &message, Builder &out) {
     return write_encrypted_content(trace, message.parts.encrypted, kNoContent, out);
 }
 
-Status encode(EnvelopedData &message, Octets &out) {
+}  // namespace
+
+Status encode_enveloped_data(EnvelopedData &message, Octets &out) {
     if (!message.has_version) {
         return trace.fail(Status::invalid_item, "------>Signer_version");
     }
@@ -44,6 +46,8 @@ Status encode(EnvelopedData &message, Octets &out) {
     ZA_TRY(ZI_MakeContentToSequence, built.finish(out));
     return Status::ok;
 }
+
+namespace {
 
 // recipientInfos SET OF RecipientInfo; what CMS may put before them has a context tag.
 Status read_all_recipients(Children &fields, EnvelopedParts &out) {
@@ -75,7 +79,9 @@ Status read_fields(const Element &in, EnvelopedData &out) {
     return fields.empty() ? Status::ok : trace.fail(Status::type);
 }
 
-Status decode(EnvelopedData &message, Bytes in) {
+}  // namespace
+
+Status decode_enveloped_data(Bytes in, EnvelopedData &message) {
     EnvelopedData fresh;
     Element content;
     ZA_PASS(open_message(trace, in, oid::kEnvelopedData, fresh.kept, content));
@@ -84,6 +90,8 @@ Status decode(EnvelopedData &message, Bytes in) {
     return Status::ok;
 }
 
+namespace {
+
 // The body of the encoder: a missing context has a line of its own.
 Status encode_for_caller(void *context, uint8_t *out, uint32_t *out_len) {
     if (context == nullptr) {
@@ -91,7 +99,7 @@ Status encode_for_caller(void *context, uint8_t *out, uint32_t *out_len) {
     }
     ZA_PASS(trace.need(out_len));
     Octets der;
-    ZA_PASS(encode(*static_cast<EnvelopedData *>(context), der));
+    ZA_PASS(encode_enveloped_data(*static_cast<EnvelopedData *>(context), der));
     hand_out(der.bytes(), out, out_len);
     return Status::ok;
 }
@@ -112,6 +120,6 @@ uint32_t ZA_PKCS7_EncodePKCS7EnvelopedData(void *ctx, uint8_t *out, uint32_t *ou
 uint32_t ZA_PKCS7_DecodePKCS7EnvelopedData(void *ctx, const uint8_t *der, uint32_t derLen) {
     return trace.exported([&] {
         ZA_PASS(trace.need(ctx, der));
-        return za::pkcs7::decode(*static_cast<EnvelopedData *>(ctx), {der, derLen});
+        return za::pkcs7::decode_enveloped_data({der, derLen}, *static_cast<EnvelopedData *>(ctx));
     });
 }

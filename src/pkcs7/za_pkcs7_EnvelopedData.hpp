@@ -13,6 +13,12 @@ struct EnvelopedData {
     EnvelopedParts parts;
 };
 
+// ZA_PKCS7_EncodePKCS7EnvelopedData
+Status encode_enveloped_data(EnvelopedData &message, Octets &out);
+
+// ZA_PKCS7_DecodePKCS7EnvelopedData
+Status decode_enveloped_data(Bytes in, EnvelopedData &message);
+
 const AttributeTable<EnvelopedData> &enveloped_attributes();
 
 }  // namespace za::pkcs7

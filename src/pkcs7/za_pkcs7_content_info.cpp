@@ -27,31 +27,6 @@ bool has_indefinite_length(Bytes in) {
 
 }  // namespace
 
-Status take_field(const TraceSource &trace, Children &fields, uint8_t identifier, Element &out,
-                  const char *missing) {
-    Element field;
-    if (!fields.next(field)) {
-        return missing == nullptr ? trace.fail(Status::invalid_item)
-                                  : trace.fail(Status::invalid_item, missing);
-    }
-    if (field.octets[0] != identifier) {
-        return trace.fail(Status::type);
-    }
-    out = field;
-    return Status::ok;
-}
-
-bool take_optional(Children &fields, uint8_t identifier, Element &out) {
-    Children rest = fields;
-    Element field;
-    if (!rest.next(field) || field.octets[0] != identifier) {
-        return false;
-    }
-    out = field;
-    fields = rest;
-    return true;
-}
-
 Status take_algorithm(const TraceSource &trace, Children &fields, Field &oid, Field *parameters) {
     Element algorithm;
     Bytes identifier;
@@ -77,16 +52,6 @@ Status take_version(const TraceSource &trace, Children &fields, uint32_t &out) {
     Element version;
     ZA_PASS(take_field(trace, fields, ZA_DER_ID_INTEGER, version));
     ZA_TRY(ZAsn1_ReadInteger, asn1::read_integer(version, out));
-    return Status::ok;
-}
-
-Status read_elements(const TraceSource &trace, const Element &in, Children &out) {
-    asn1::Implicit found;
-    ZA_TRY(ZAsn1_ReadImplicit, asn1::read_implicit(in, found));
-    if (!found.constructed) {
-        return trace.fail(Status::type);
-    }
-    out = found.children;
     return Status::ok;
 }
 

@@ -3,11 +3,16 @@
 #pragma once
 
 #include "asn1/za_asn2_builder.hpp"
+#include "asn1/za_asn2_fields.hpp"
 #include "asn1/za_asn2_reader.hpp"
 #include "runtime/field.hpp"
 #include "runtime/trace.hpp"
 
 namespace za::pkcs7 {
+
+using asn1::read_elements;
+using asn1::take_field;
+using asn1::take_optional;
 
 struct ContentInfo {
     Bytes type;
@@ -66,14 +71,6 @@ Status open_message(const TraceSource &trace, Bytes in, Bytes type, Octets &kept
 // count in signed numbers.
 Status take_der(const TraceSource &trace, Bytes in, Octets &kept);
 
-// The next field, which must be there (121) and have this identifier octet (122). `missing` is the
-// line of one that is not there, where it has one of its own.
-Status take_field(const TraceSource &trace, asn1::Children &fields, uint8_t identifier,
-                  asn1::Element &out, const char *missing = nullptr);
-
-// The next field when it has this identifier octet; else nothing is taken.
-bool take_optional(asn1::Children &fields, uint8_t identifier, asn1::Element &out);
-
 // AlgorithmIdentifier: the identifier, and the parameters where somebody wants them.
 Status take_algorithm(const TraceSource &trace, asn1::Children &fields, Field &oid,
                       Field *parameters = nullptr);
@@ -83,8 +80,5 @@ Status take_octets(const TraceSource &trace, asn1::Children &fields, Field &out)
 
 // version INTEGER
 Status take_version(const TraceSource &trace, asn1::Children &fields, uint32_t &out);
-
-// IMPLICIT SET, or SET: its elements one by one.
-Status read_elements(const TraceSource &trace, const asn1::Element &in, asn1::Children &out);
 
 }  // namespace za::pkcs7

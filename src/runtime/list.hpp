@@ -64,6 +64,19 @@ class List {
         return Status::ok;
     }
 
+    // Takes over all items of another list, behind its own.
+    void splice(List &&other) noexcept {
+        if (other.first_ == nullptr) {
+            return;
+        }
+        (last_ == nullptr ? first_ : last_->next) = other.first_;
+        last_ = other.last_;
+        size_ += other.size_;
+        other.first_ = nullptr;
+        other.last_ = nullptr;
+        other.size_ = 0;
+    }
+
     class Iterator {
       public:
         explicit Iterator(const Node *node) : node_(node) {}
@@ -93,10 +106,13 @@ class List {
         return node == nullptr ? nullptr : &node->value;
     }
 
+    T *item(size_t number) { return const_cast<T *>(std::as_const(*this).item(number)); }
+
     bool empty() const { return first_ == nullptr; }
     size_t size() const { return size_; }
     const T &front() const { return first_->value; }
     const T &back() const { return last_->value; }
+    T &back() { return last_->value; }
 
   private:
     Node *first_ = nullptr;

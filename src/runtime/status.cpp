@@ -51,8 +51,11 @@ Status TraceSource::fail(Status status, uint32_t line) const noexcept {
     const auto row = std::ranges::lower_bound(kConditionTexts, status, {}, &ConditionText::status);
     const bool found = row != kConditionTexts.end() && row->status == status;
     const std::string_view text = found ? row->text : "------>";
-    const bool longer = text.starts_with("------>ZACERT_");
-    return fail(status, {longer ? style_.longer_arrow : std::string_view(), text}, line);
+    const bool named = text.starts_with("------>ZACERT_");
+    const std::string_view more = status == Status::memory ? style_.memory_arrow
+                                  : named                  ? style_.longer_arrow
+                                                           : std::string_view();
+    return fail(status, {more, text}, line);
 }
 
 }  // namespace za

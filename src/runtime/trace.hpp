@@ -27,11 +27,12 @@ struct TraceText {
 // empty one in its place and a test one that remembers.
 void write_trace(const char *source, uint32_t line, const TraceText &text) noexcept;
 
-// How the lines of a family differ: the arrow before the name of a code, and the code of arguments
-// that are missing.
+// How the lines of a family differ.
 struct TraceStyle {
-    std::string_view longer_arrow;
+    std::string_view longer_arrow;  // more of the arrow before the name of a code
     Status missing_argument = Status::general;
+    std::string_view frame = "======>";  // before the lines Begin and End
+    std::string_view memory_arrow = {};  // more of the arrow where memory runs out
 };
 
 // The family of source files that a line names. Every .cpp file that traces defines one `trace`.
@@ -64,7 +65,8 @@ class TraceSource {
     // objects write them also when another one of the library works through them.
     template <class Body>
     Status announced(const Body &body, const char *name, uint32_t line = __builtin_LINE(),
-                     std::string_view arrow = "======>") const noexcept {
+                     std::string_view frame = {}) const noexcept {
+        const std::string_view arrow = frame.empty() ? style_.frame : frame;
         note({arrow, name, " Begin"}, line);
         const Status status = body();
         if (status == Status::ok) {
