@@ -37,6 +37,9 @@
 #include <zacert/identity.h>
 #include <zacert/keys.h>
 #include <zacert/names.h>
+#include <zacert/pkcs12.h>
+#include <zacert/pkcs12_bags.h>
+#include <zacert/pkcs12_safe.h>
 #include <zacert/pkcs7.h>
 #include <zacert/pkcs7_attributes.h>
 #include <zacert/pkcs7_digested.h>

@@ -2,6 +2,8 @@
 import contextlib
 import os
 import pathlib
+import re
+import shlex
 import subprocess
 import tempfile
 import warnings
@@ -34,7 +36,7 @@ ALL = {*VERIFY, "java"}
 
 
 def ended(command, stdin=b""):
-    return subprocess.run(command.split(), input=stdin, capture_output=True, cwd=FOLDER, check=False)
+    return subprocess.run(shlex.split(command), input=stdin, capture_output=True, cwd=FOLDER, check=False)
 
 
 def attempt(command, stdin=b""):
@@ -59,6 +61,15 @@ def octets_of(name):
     return (FOLDER / name).read_bytes()
 
 
+def told(text):
+    """The keys, but not those still encrypted, and the certificates in a program's output."""
+    found = re.findall(rb"(-----BEGIN (?:[A-Z]+ )*(PRIVATE KEY|CERTIFICATE)-----\n[^-]*-----END .*-----\n)", text)
+    return ([load_pem_private_key(pem, None).private_numbers() for pem, kind in found
+             if kind != b"CERTIFICATE" and b"ENCRYPTED" not in pem],
+            [x509.load_pem_x509_certificate(pem).public_bytes(Encoding.DER) for pem, kind in found
+             if kind == b"CERTIFICATE"])
+
+
 def certificate(name, options):
     """A key and its certificate, as files."""
     run(f"openssl req -x509 -config {file('cnf', REQUEST)} -nodes -days 30 -keyout {name}.key -out {name}.pem "
@@ -76,7 +87,7 @@ class Identity:
         self.der, self.issuer = self.certificate.public_bytes(Encoding.DER), self.certificate.issuer.public_bytes()
         self.serial = self.certificate.serial_number.to_bytes(20, "big").lstrip(b"\0")
         file(f"{name}.der", self.der)
-        if option.startswith("rsa"):
+        if option == "rsa:2048":
             of, public = self.key.private_numbers(), self.key.public_key().public_numbers()
             self.private = bytes(4) + b"".join(number.to_bytes(size, "big") for number, size in (
                 (public.n, 256), (public.e, 256), (of.d, 256), (of.p, 128), (of.q, 128), (of.dmp1, 128), (of.dmq1, 128),

@@ -30,8 +30,8 @@ def aes_decrypt(octets, size, out, length, block):
     return 0
 
 
-def called(name, *arguments):
-    result = getattr(lib, "ZA_PKCS7_" + name)(*arguments)
+def called(name, *arguments, family="ZA_PKCS7_"):
+    result = getattr(lib, family + name)(*arguments)
     assert result == 0, f"{name}: {result}"
 
 
@@ -42,32 +42,35 @@ def read(name, context, *index, kind=U32):
     return place.value if kind is U32 else place
 
 
-def written(name, *inputs):
+def written(name, *inputs, family="ZA_PKCS7_"):
+    """What comes is as long as the library said before."""
     length = U32()
-    called(name, *inputs, None, ctypes.byref(length))
-    out = (ctypes.c_uint8 * max(length.value, 1))()
-    called(name, *inputs, out, ctypes.byref(length))
-    return bytes(out[:length.value])
+    called(name, *inputs, None, ctypes.byref(length), family=family)
+    size = length.value
+    out = (ctypes.c_uint8 * max(size, 1))()
+    called(name, *inputs, out, ctypes.byref(length), family=family)
+    assert length.value == size, f"{name}: {length.value} octets, {size} before"
+    return bytes(out)[:size]
 
 
-def install(context, slot, function, block):
+def install(context, slot, function, block, family="ZA_PKCS7_"):
     function = ctypes.cast(getattr(lib, function) if isinstance(function, str) else function, VOID)
-    called(f"Set{slot}Func", context, function, block, len(block))
+    called(f"Set{slot}Func", context, function, block, len(block), family=family)
 
 
 def digest(algorithm):
     return "ZA_DigestFunc_Ref", {SHA1: 7, SHA256: 9}[algorithm].to_bytes(4, sys.byteorder)
 
 
-def created(name, of="", values=(), functions=()):
+def created(name, of="", values=(), functions=(), family="ZA_PKCS7_"):
     """A context: its attributes set, its functions installed. It lasts as long as the process."""
     context = VOID()
-    called("Create" + name, ctypes.byref(context))
+    called("Create" + name, ctypes.byref(context), family=family)
     for number, value in values:
         how, length = ("Int", ()) if isinstance(value, int) else ("Char", (len(value),))
-        called(f"Set{of}Attribute{how}", context, number, value, *length)
+        called(f"Set{of}Attribute{how}", context, number, value, *length, family=family)
     for slot, *function in functions:
-        install(context, slot, *function)
+        install(context, slot, *function, family=family)
     return context
 
 
