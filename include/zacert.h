@@ -52,5 +52,6 @@
 #include <zacert/runtime.h>
 #include <zacert/text.h>
 #include <zacert/verify.h>
+#include <zacert/wrappers.h>
 
 #endif
