@@ -37,6 +37,10 @@
 #include <zacert/identity.h>
 #include <zacert/keys.h>
 #include <zacert/names.h>
+#include <zacert/ocsp.h>
+#include <zacert/ocsp_attributes.h>
+#include <zacert/ocsp_entries.h>
+#include <zacert/ocsp_records.h>
 #include <zacert/pkcs12.h>
 #include <zacert/pkcs12_bags.h>
 #include <zacert/pkcs12_safe.h>
