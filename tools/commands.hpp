@@ -16,5 +16,7 @@ void add_certificate_command(CLI::App &app, Command &chosen);
 void add_crl_command(CLI::App &app, Command &chosen);
 void add_verify_command(CLI::App &app, Command &chosen);
 void add_p7_command(CLI::App &app, Command &chosen);
+void add_pfx_command(CLI::App &app, Command &chosen);
+void add_ocsp_command(CLI::App &app, Command &chosen);
 
 }  // namespace tool

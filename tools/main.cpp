@@ -41,7 +41,7 @@ int run(int argc, char **argv) {
     std::string format = "text";
     CLI::App *show =
         app.add_subcommand("show",
-                           "Show certificates, CRLs, requests and PKCS#7 messages in DER or "
+                           "Show certificates, CRLs, requests, PKCS#7 and OCSP messages in DER or "
                            "PEM.");
     show->footer(kExamples);
     show->add_option("--format", format, "text, json or table")
@@ -56,6 +56,8 @@ int run(int argc, char **argv) {
     tool::add_crl_command(app, chosen);
     tool::add_verify_command(app, chosen);
     tool::add_p7_command(app, chosen);
+    tool::add_pfx_command(app, chosen);
+    tool::add_ocsp_command(app, chosen);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

@@ -35,14 +35,15 @@ class Input(ShowTest):
     def test_bad_input(self):
         der, pem = self.der(self.small), self.small
         size = len(der)
-        any_object = "a certificate, CRL, request or PKCS#7 message"
+        any_object = "a certificate, CRL, request, PKCS#7 message or OCSP message"
         with open(self.folder / "large", "wb") as large:
             large.truncate(256 * 1024 * 1024 + 1)
         rows = [
             (b"", f"{any_object}: the file is empty"),
             (b"hello\n", f"{any_object} in DER or PEM: a tag is not the one expected (106)"),
             (self.key().read_bytes(), "a PEM block CERTIFICATE, X509 CRL, CERTIFICATE REQUEST, "
-                                      "PKCS7 or CMS, found PRIVATE KEY"),
+                                      "PKCS7, CMS, OCSP REQUEST or OCSP RESPONSE, "
+                                      "found PRIVATE KEY"),
             (pem.replace(b"M", b"*", 1), "a certificate: the PEM block is not Base64"),
             (pem[:pem.index(b"-----END")], "a certificate: the PEM block has no last line"),
             (pem.replace(b"END C", b"END X"),
@@ -81,8 +82,8 @@ class Input(ShowTest):
         self.assertEqual([(c["file"], c["index"]) for c in json.loads(output)],
                          [(str(good), 1), (str(mixed), 1), (str(mixed), 3)])
         self.assertEqual((status, problems.splitlines()),
-                         (1, ["zacert: none: expected a certificate, CRL, request or PKCS#7 message: "
-                              "No such file or directory",
+                         (1, ["zacert: none: expected a certificate, CRL, request, PKCS#7 message or "
+                              "OCSP message: No such file or directory",
                               f"zacert: {mixed}: block 2: expected a certificate: "
                               "the PEM block is not Base64"]))
 

@@ -36,6 +36,8 @@ struct Integer {
     Integer() = default;
     explicit Integer(View content);
 
+    bool operator==(const Integer &) const = default;
+
     std::string hex(std::string_view separator = {}) const;
     size_t bits() const;
 

@@ -15,11 +15,11 @@ namespace {
 
 constexpr size_t kMaxPassword = 1024;
 
-Secret first_line(View text) {
+Secret first_line(View text, Empty empty) {
     const auto end = std::find_if(text.begin(), text.end(),
                                   [](uint8_t octet) { return octet == '\n' || octet == '\r'; });
     const auto size = static_cast<size_t>(end - text.begin());
-    if (size == 0 || size > kMaxPassword) {
+    if ((size == 0 && empty == Empty::refused) || size > kMaxPassword) {
         throw Failure("expected a password of 1 to " + std::to_string(kMaxPassword) + " octets");
     }
     return Secret(text.first(size));
@@ -33,38 +33,40 @@ bool has_terminal() {
     return terminal >= 0 || isatty(STDIN_FILENO) != 0;
 }
 
-Secret password_in_file(const std::string &path) {
+Secret password_in_file(const std::string &path, Empty empty) {
     constexpr size_t kMaxFile = 64 * 1024;
-    return first_line(read_secret(path, kMaxFile, "a password").view());
+    return first_line(read_secret(path, kMaxFile, "a password").view(), empty);
 }
 
-Secret password_in_variable(const std::string &name) {
+Secret password_in_variable(const std::string &name, Empty empty) {
     const char *value = std::getenv(name.c_str());
     if (value == nullptr) {
         throw Failure("expected a password in the environment variable " + name);
     }
-    return first_line({reinterpret_cast<const uint8_t *>(value), std::strlen(value)});
+    return first_line({reinterpret_cast<const uint8_t *>(value), std::strlen(value)}, empty);
 }
 
 }  // namespace
 
-void add_password_options(CLI::App &command, PasswordSource &source, const std::string &otherwise) {
-    CLI::Option *file = command.add_option(
-        "--password-file", source.file, "the password (of a token: the PIN): a file's first line");
+void add_password_options(CLI::App &command, PasswordSource &source, const std::string &otherwise,
+                          const PasswordRole &role) {
+    const std::string option = "--" + role.prefix + "password-";
+    CLI::Option *file =
+        command.add_option(option + "file", source.file, role.text + ": a file's first line");
     file->type_name("FILE");
     command
-        .add_option("--password-env", source.variable,
+        .add_option(option + "env", source.variable,
                     "the same from an environment variable; " + otherwise)
         ->type_name("NAME")
         ->excludes(file);
 }
 
-std::optional<Secret> given_password(const PasswordSource &source) {
+std::optional<Secret> given_password(const PasswordSource &source, Empty empty) {
     if (!source.file.empty()) {
-        return password_in_file(source.file);
+        return password_in_file(source.file, empty);
     }
     if (!source.variable.empty()) {
-        return password_in_variable(source.variable);
+        return password_in_variable(source.variable, empty);
     }
     return std::nullopt;
 }
@@ -79,7 +81,7 @@ Secret asked_password(const std::string &prompt, Ask ask) {
                                ask == Ask::twice ? 1 : 0) != 0) {
         throw Failure("expected a password at the terminal");
     }
-    return first_line({buffer.data(), std::strlen(text)});
+    return first_line({buffer.data(), std::strlen(text)}, Empty::refused);
 }
 
 }  // namespace tool

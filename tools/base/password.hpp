@@ -17,11 +17,19 @@ struct PasswordSource {
     bool given() const { return !file.empty() || !variable.empty(); }
 };
 
+// Whose password it is, where a command takes several: "key-" makes --key-password-file of it.
+struct PasswordRole {
+    std::string prefix;
+    std::string text = "the password (of a token: the PIN)";
+};
+
 // `otherwise` ends the help text: what happens without either option.
-void add_password_options(CLI::App &command, PasswordSource &source, const std::string &otherwise);
+void add_password_options(CLI::App &command, PasswordSource &source, const std::string &otherwise,
+                          const PasswordRole &role = {});
 
 // From the file's first line or the variable; nothing where neither is named.
-std::optional<Secret> given_password(const PasswordSource &source);
+enum class Empty { refused, allowed };
+std::optional<Secret> given_password(const PasswordSource &source, Empty empty = Empty::refused);
 
 // Asked for at the terminal, a new one twice.
 enum class Ask { once, twice };

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <openssl/core_names.h>
 #include <openssl/err.h>
 #include <openssl/evp.h>
 #include <openssl/x509.h>
@@ -31,7 +32,19 @@ constexpr auto kAlgorithms = std::to_array<Algorithm>({
     {"1.2.840.10045.4.3.4", "EC", "SHA512"},
     {"1.3.101.112", "ED25519", nullptr},
     {"1.3.101.113", "ED448", nullptr},
+    {"1.2.156.10197.1.501", "SM2", "SM3"},
 });
+
+// Under which SM2 signs unless told otherwise; other keys have no such parameter.
+std::array<OSSL_PARAM, 2> parameters_for(EVP_PKEY &key) {
+    static char identifier[] = "1234567812345678";
+    const OSSL_PARAM end = OSSL_PARAM_construct_end();
+    return {EVP_PKEY_is_a(&key, "SM2") == 1
+                ? OSSL_PARAM_construct_octet_string(OSSL_PKEY_PARAM_DIST_ID, identifier,
+                                                    sizeof identifier - 1)
+                : end,
+            end};
+}
 
 }  // namespace
 
@@ -46,7 +59,7 @@ EvpVerdict evp_verify(View key_info, const SignedObject &object) {
     if (algorithm != kAlgorithms.end() && key != nullptr && context != nullptr &&
         EVP_PKEY_is_a(key.get(), algorithm->key) == 1 &&
         EVP_DigestVerifyInit_ex(context.get(), nullptr, algorithm->digest, nullptr, nullptr,
-                                key.get(), nullptr) == 1) {
+                                key.get(), parameters_for(*key).data()) == 1) {
         const int result =
             EVP_DigestVerify(context.get(), object.signature.data(), object.signature.size(),
                              object.signed_part.data(), object.signed_part.size());

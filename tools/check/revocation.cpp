@@ -4,7 +4,6 @@
 #include "check/critical.hpp"
 
 #include <algorithm>
-#include <optional>
 
 namespace tool {
 
@@ -64,26 +63,6 @@ bool covers(const LoadedCrl &crl, const LoadedCertificate &certificate) {
            shares_point(scope->point, certificate);
 }
 
-// What one CRL says of a serial number; nothing where it is silent.
-std::optional<RevokedEntry> entry_of(const LoadedCrl &crl, const Integer &serial, Report &report) {
-    std::optional<RevokedEntry> found;
-    for (RevokedEntries entries(crl.facts.revoked); !entries.at_end();) {
-        RevokedEntry entry = entries.next();
-        const bool strange = std::any_of(entry.extensions.begin(), entry.extensions.end(),
-                                         [](const Extension &e) { return e.critical; });
-        if (strange) {
-            report.check(false,
-                         "CRL: an entry has a critical extension that is not evaluated here");
-            return std::nullopt;
-        }
-        if (entry.serial.negative == serial.negative &&
-            entry.serial.magnitude == serial.magnitude) {
-            found = std::move(entry);
-        }
-    }
-    return found;
-}
-
 struct Lists {
     const LoadedCrl *whole = nullptr;  // the newest
     std::vector<const LoadedCrl *> deltas;
@@ -138,6 +117,24 @@ void look_up(const LoadedCertificate &certificate, const LoadedCertificate &issu
 }
 
 }  // namespace
+
+std::optional<RevokedEntry> entry_of(const LoadedCrl &crl, const Integer &serial, Report &report) {
+    std::optional<RevokedEntry> found;
+    for (RevokedEntries entries(crl.facts.revoked); !entries.at_end();) {
+        RevokedEntry entry = entries.next();
+        const bool strange = std::any_of(entry.extensions.begin(), entry.extensions.end(),
+                                         [](const Extension &e) { return e.critical; });
+        if (strange) {
+            report.check(false,
+                         "CRL: an entry has a critical extension that is not evaluated here");
+            return std::nullopt;
+        }
+        if (entry.serial == serial) {
+            found = std::move(entry);
+        }
+    }
+    return found;
+}
 
 LoadedCrl::LoadedCrl(Octets octets)
     : der(std::move(octets)), parts(crl_parts(der)), facts(read_crl(der)) {}

@@ -4,6 +4,7 @@
 #include "check/path.hpp"
 
 #include <deque>
+#include <optional>
 
 namespace tool {
 
@@ -20,6 +21,10 @@ struct LoadedCrl {
 // Of a CRL: signature, dates, extensions, and whether its issuer may sign it.
 void check_crl(const LoadedCrl &crl, const LoadedCertificate &issuer, const When &when,
                Report &report);
+
+// What one CRL says of a serial number; nothing where it is silent. Fails for entries that this
+// program does not understand.
+std::optional<RevokedEntry> entry_of(const LoadedCrl &crl, const Integer &serial, Report &report);
 
 // Looks each certificate of the path, except the trusted one, up in the CRLs of its issuer. The
 // first must be covered; of others a note says when they are not.

@@ -39,6 +39,8 @@ constexpr auto kBrokenAlgorithms = std::to_array<std::string_view>({
     "1.2.840.113549.1.1.4",  // MD5
 });
 
+constexpr auto kNotTrusted = ": others can make such signatures; none is trusted";
+
 const RsaAlgorithm *rsa_algorithm(std::string_view id) {
     const auto row = std::find_if(kRsaAlgorithms.begin(), kRsaAlgorithms.end(),
                                   [id](const RsaAlgorithm &entry) { return entry.id == id; });
@@ -117,12 +119,25 @@ bool library_takes_curve(KeyKind kind, std::string_view algorithm) {
            (kind == KeyKind::sm2 && algorithm == "1.2.156.10197.1.501");
 }
 
+bool is_broken(std::string_view algorithm) {
+    return std::find(kBrokenAlgorithms.begin(), kBrokenAlgorithms.end(), algorithm) !=
+           kBrokenAlgorithms.end();
+}
+
+SignatureVerdict check_by_libcrypto(View key_info, const SignedObject &object,
+                                    const std::string &name) {
+    const EvpVerdict outcome = evp_verify(key_info, object);
+    return {outcome == EvpVerdict::good,
+            name + (outcome == EvpVerdict::good  ? ", verified by libcrypto alone"
+                    : outcome == EvpVerdict::bad ? ": the signature does not verify (libcrypto)"
+                                                 : ": key and algorithm are not supported")};
+}
+
 SignatureVerdict check_by(View key_info, View der, const Verifiers &verifiers) {
     const SignedObject object = signed_object(der);
     const std::string name = label(named(object.algorithm_id));
-    if (std::find(kBrokenAlgorithms.begin(), kBrokenAlgorithms.end(), object.algorithm_id) !=
-        kBrokenAlgorithms.end()) {
-        return {false, name + ": others can make such signatures; none is trusted"};
+    if (is_broken(object.algorithm_id)) {
+        return {false, name + kNotTrusted};
     }
     const SubjectKey key = subject_key(key_info);
     const RsaAlgorithm *rsa = rsa_algorithm(object.algorithm_id);
@@ -132,11 +147,7 @@ SignatureVerdict check_by(View key_info, View der, const Verifiers &verifiers) {
     if (library_takes_curve(key.kind, object.algorithm_id)) {
         return verdict(verifiers.ecc(), name);
     }
-    const EvpVerdict outcome = evp_verify(key_info, object);
-    return {outcome == EvpVerdict::good,
-            name + (outcome == EvpVerdict::good  ? ", verified by libcrypto alone"
-                    : outcome == EvpVerdict::bad ? ": the signature does not verify (libcrypto)"
-                                                 : ": key and algorithm are not supported")};
+    return check_by_libcrypto(key_info, object, name);
 }
 
 SignatureVerdict guarded(const std::function<SignatureVerdict()> &body) {
@@ -218,6 +229,12 @@ SignatureVerdict check_request_signature(View request) {
             {[&] { return ZA_VerifyCsr_Sign(request.data(), length_of(request)); },
              [&] { return ZA_VerifyECCsr(request.data(), length_of(request), zacert_gm_verify); }});
     });
+}
+
+SignatureVerdict check_octets_signature(View key_info, const SignedObject &object) {
+    const std::string name = label(named(object.algorithm_id));
+    return is_broken(object.algorithm_id) ? SignatureVerdict{false, name + kNotTrusted}
+                                          : check_by_libcrypto(key_info, object, name);
 }
 
 }  // namespace tool

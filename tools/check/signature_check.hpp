@@ -3,7 +3,7 @@
 // algorithms are left to libcrypto.
 #pragma once
 
-#include "base/octets.hpp"
+#include "objects/signed_object.hpp"
 
 #include <string>
 
@@ -21,5 +21,9 @@ enum class Moment { present, other };
 SignatureVerdict check_certificate_signature(View issuer, View certificate, Moment moment);
 SignatureVerdict check_crl_signature(View issuer, View crl);
 SignatureVerdict check_request_signature(View request);
+
+// Of octets that are none of the three, by libcrypto; `key_info` is the signer's
+// SubjectPublicKeyInfo.
+SignatureVerdict check_octets_signature(View key_info, const SignedObject &object);
 
 }  // namespace tool

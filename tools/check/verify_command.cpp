@@ -83,6 +83,11 @@ bool verify_file(const PathInputs &inputs, const std::string &path) {
             throw Failure(
                 "expected a certificate, CRL or request: \"zacert p7 verify\" verifies "
                 "messages");
+        case ObjectKind::ocsp_request:
+        case ObjectKind::ocsp_response:
+            throw Failure(
+                "expected a certificate, CRL or request: \"zacert ocsp check\" verifies OCSP "
+                "responses");
         case ObjectKind::unknown:
             throw Failure("expected a certificate, CRL or request");
     }

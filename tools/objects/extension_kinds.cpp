@@ -60,6 +60,13 @@ constexpr auto kKinds = std::to_array<ExtensionKind>({
     {"2.5.29.29", "certificateIssuer", "Certificate issuer", "CI", read_alternative_names},
     {"2.5.29.60", "expiredCertsOnCRL", "Expired certificates on CRL", "ECOC", read_instant},
 
+    // OCSP requests and responses
+    {"1.3.6.1.5.5.7.48.1.2", "ocspNonce", "OCSP nonce", "NON", read_nothing},
+    {"1.3.6.1.5.5.7.48.1.3", "ocspCrlReference", "OCSP CRL reference", "OCR", read_nothing},
+    {"1.3.6.1.5.5.7.48.1.4", "ocspResponseTypes", "OCSP response types", "ORT", read_nothing},
+    {"1.3.6.1.5.5.7.48.1.6", "ocspArchiveCutoff", "OCSP archive cutoff", "OAC", read_instant},
+    {"1.3.6.1.5.5.7.48.1.7", "ocspServiceLocator", "OCSP service locator", "OSL", read_nothing},
+
     // The national certificate standard; its two arcs number the middle ones in opposite order.
     {"1.2.86.11.7.1", "identityNumbers", "Identity numbers", "IDNO", read_identity_numbers},
     {"1.2.86.11.7.2", "insuranceNumber", "Insurance number", "INS", read_string},

@@ -149,8 +149,8 @@ std::vector<Candidate> objects_in_pem(std::vector<PemBlock> blocks) {
     }
     if (candidates.empty()) {
         throw Failure(
-            "expected a PEM block CERTIFICATE, X509 CRL, CERTIFICATE REQUEST, PKCS7 or CMS, "
-            "found " +
+            "expected a PEM block CERTIFICATE, X509 CRL, CERTIFICATE REQUEST, PKCS7, CMS, OCSP "
+            "REQUEST or OCSP RESPONSE, found " +
             blocks.front().label);
     }
     return candidates;

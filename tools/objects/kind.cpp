@@ -27,6 +27,8 @@ constexpr auto kLabels = std::to_array<Label>({
     {"NEW CERTIFICATE REQUEST", ObjectKind::request},
     {"PKCS7", ObjectKind::message},
     {"CMS", ObjectKind::message},
+    {"OCSP REQUEST", ObjectKind::ocsp_request},
+    {"OCSP RESPONSE", ObjectKind::ocsp_response},
 });
 
 // The part of the SEQUENCE's content that is there; nothing where it is no SEQUENCE.
@@ -82,12 +84,19 @@ ObjectKind kind_behind_integer(const Identifiers &identifiers, View der) {
     return last == ZA_DER_ID_SEQUENCE ? ObjectKind::certificate : ObjectKind::unknown;
 }
 
+// A list of SEQUENCEs: an AlgorithmIdentifier, which CRLs have in this place, begins with an object
+// identifier.
+bool is_request_list(View element) {
+    const View entry = inside(element);
+    return !entry.empty() && entry.front() == ZA_DER_ID_SEQUENCE;
+}
+
 }  // namespace
 
 std::string_view noun(ObjectKind kind) {
     constexpr auto kNouns = std::to_array<std::string_view>(
-        {"a certificate, CRL, request or PKCS#7 message", "a certificate", "a CRL", "a request",
-         "a PKCS#7 message"});
+        {"a certificate, CRL, request, PKCS#7 message or OCSP message", "a certificate", "a CRL",
+         "a request", "a PKCS#7 message", "an OCSP request", "an OCSP response"});
     return kNouns[static_cast<size_t>(kind)];
 }
 
@@ -102,18 +111,32 @@ ObjectKind kind_of_der(View der) {
     if (inside_any_length(der).identifier() == ZA_DER_ID_OBJECTID) {
         return ObjectKind::message;
     }
+    // OCSPResponse ::= SEQUENCE { responseStatus ENUMERATED, responseBytes [0] OPTIONAL }
+    if (inside_any_length(der).identifier() == ZA_DER_ID_ENUMERATED) {
+        return ObjectKind::ocsp_response;
+    }
     // TBSCertificate ::= SEQUENCE { version [0] DEFAULT v1, serialNumber INTEGER, signature,
     //     issuer, validity SEQUENCE, ... }
     // TBSCertList ::= SEQUENCE { version INTEGER OPTIONAL, signature, issuer, thisUpdate, ... }
     // CertificationRequestInfo ::= SEQUENCE { version INTEGER, subject, subjectPKInfo,
     //     attributes [0] }
-    const Identifiers identifiers = first_identifiers(inside(inside(der)));
+    // TBSRequest ::= SEQUENCE { version [0] DEFAULT v1, requestorName [1] OPTIONAL,
+    //     requestList SEQUENCE OF Request, requestExtensions [2] OPTIONAL }
+    const View elements = inside(inside(der));
+    const Identifiers identifiers = first_identifiers(elements);
     switch (identifiers[0]) {
         case constructed(0):
-            return ObjectKind::certificate;
+            return identifiers[1] == ZA_DER_ID_SEQUENCE || identifiers[1] == constructed(1)
+                       ? ObjectKind::ocsp_request
+                       : ObjectKind::certificate;
+        case constructed(1):
+            return ObjectKind::ocsp_request;
         case ZA_DER_ID_INTEGER:
             return kind_behind_integer(identifiers, der);
         case ZA_DER_ID_SEQUENCE:
+            if (is_request_list(elements)) {
+                return ObjectKind::ocsp_request;
+            }
             return identifiers[1] == ZA_DER_ID_SEQUENCE && is_time(identifiers[2])
                        ? ObjectKind::crl
                        : ObjectKind::unknown;

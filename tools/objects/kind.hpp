@@ -7,7 +7,7 @@
 
 namespace tool {
 
-enum class ObjectKind { unknown, certificate, crl, request, message };
+enum class ObjectKind { unknown, certificate, crl, request, message, ocsp_request, ocsp_response };
 
 // With its article; for the unknown one, whatever the tool can show.
 std::string_view noun(ObjectKind kind);

@@ -3,6 +3,7 @@
 #include "base/failure.hpp"
 #include "base/wording.hpp"
 #include "objects/input.hpp"
+#include "objects/ocsp.hpp"
 #include "objects/pkcs7.hpp"
 
 #include <algorithm>
@@ -30,6 +31,12 @@ void require_kind(ObjectKind kind, View der) {
             break;
         case ObjectKind::message:
             read_message(der);
+            break;
+        case ObjectKind::ocsp_request:
+            read_ocsp_request(der);
+            break;
+        case ObjectKind::ocsp_response:
+            read_ocsp_response(der);
             break;
         default:
             request_parts(der);
@@ -75,6 +82,14 @@ LoadedCertificate::LoadedCertificate(Octets octets)
 
 LoadedCertificate load_certificate(const std::string &path) {
     return LoadedCertificate(load_one(path, ObjectKind::certificate));
+}
+
+void add_certificates(const std::string &path, std::vector<Octets> &certificates) {
+    for (Octets &der : load_all(path, ObjectKind::certificate)) {
+        if (std::find(certificates.begin(), certificates.end(), der) == certificates.end()) {
+            certificates.push_back(std::move(der));
+        }
+    }
 }
 
 const Extension *find_extension(const std::vector<Extension> &extensions, std::string_view oid) {

@@ -33,6 +33,9 @@ struct LoadedCertificate {
 
 LoadedCertificate load_certificate(const std::string &path);
 
+// Appends those of the file that are not there yet.
+void add_certificates(const std::string &path, std::vector<Octets> &certificates);
+
 // The extension, or nullptr.
 const Extension *find_extension(const std::vector<Extension> &extensions, std::string_view oid);
 

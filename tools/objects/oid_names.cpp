@@ -99,8 +99,19 @@ constexpr auto kNames = std::to_array<Row>({
     {"2.16.840.1.101.3.4.1.22", "AES-192-CBC"},
     {"2.16.840.1.101.3.4.1.42", "AES-256-CBC"},
     {"1.2.156.10197.1.104.2", "SM4-CBC"},
+    {"1.2.840.113549.1.5.1", "PBE-MD2-DES"},
+    {"1.2.840.113549.1.5.3", "PBE-MD5-DES"},
+    {"1.2.840.113549.1.5.4", "PBE-MD2-RC2"},
+    {"1.2.840.113549.1.5.6", "PBE-MD5-RC2"},
+    {"1.2.840.113549.1.5.10", "PBE-SHA1-DES"},
+    {"1.2.840.113549.1.5.11", "PBE-SHA1-RC2"},
     {"1.2.840.113549.1.5.13", "PBES2"},
+    {"1.2.840.113549.1.5.14", "PBMAC1"},
+    {"1.2.840.113549.1.12.1.1", "PBE-SHA1-RC4-128"},
+    {"1.2.840.113549.1.12.1.2", "PBE-SHA1-RC4-40"},
     {"1.2.840.113549.1.12.1.3", "PBE-SHA1-DES-EDE3"},
+    {"1.2.840.113549.1.12.1.4", "PBE-SHA1-DES-EDE2"},
+    {"1.2.840.113549.1.12.1.5", "PBE-SHA1-RC2-128"},
     {"1.2.840.113549.1.12.1.6", "PBE-SHA1-RC2-40"},
 
     // Contents of PKCS#7 messages, and attributes of their signers
@@ -124,6 +135,21 @@ constexpr auto kNames = std::to_array<Row>({
     {"1.2.840.113549.1.9.16.2.14", "timeStampToken"},
     {"1.2.840.113549.1.9.16.2.47", "signingCertificateV2"},
 
+    // Bags of PKCS#12 files, what is in them, and their attributes
+    {"1.2.840.113549.1.12.10.1.1", "keyBag"},
+    {"1.2.840.113549.1.12.10.1.2", "pkcs8ShroudedKeyBag"},
+    {"1.2.840.113549.1.12.10.1.3", "certBag"},
+    {"1.2.840.113549.1.12.10.1.4", "crlBag"},
+    {"1.2.840.113549.1.12.10.1.5", "secretBag"},
+    {"1.2.840.113549.1.12.10.1.6", "safeContentsBag"},
+    {"1.2.840.113549.1.9.22.1", "x509Certificate"},
+    {"1.2.840.113549.1.9.22.2", "sdsiCertificate"},
+    {"1.2.840.113549.1.9.23.1", "x509CRL"},
+    {"1.2.840.113549.1.9.20", "friendlyName"},
+    {"1.2.840.113549.1.9.21", "localKeyID"},
+    {"1.3.6.1.4.1.311.17.1", "keyProviderName"},
+    {"2.16.840.1.113894.746875.1.1", "trustedKeyUsage"},
+
     // Purposes of keys
     {"2.5.29.37.0", "anyExtendedKeyUsage"},
     {"1.3.6.1.5.5.7.3.1", "serverAuth"},
@@ -142,6 +168,7 @@ constexpr auto kNames = std::to_array<Row>({
 
     // Access methods, policies and their qualifiers, kinds of otherName
     {"1.3.6.1.5.5.7.48.1", "ocsp"},
+    {"1.3.6.1.5.5.7.48.1.1", "basicResponse"},
     {"1.3.6.1.5.5.7.48.2", "caIssuers"},
     {"1.3.6.1.5.5.7.48.3", "timeStamping"},
     {"1.3.6.1.5.5.7.48.5", "caRepository"},

@@ -58,13 +58,17 @@ SubjectKey subject_key(View spki) {
             copied(taken.key.keyBits), copied(taken.key.rawBits)};
 }
 
-Octets key_identifier(const SubjectKey &key) {
+Octets sha1(View octets) {
     constexpr int32_t kSha1 = 7;
     std::array<uint8_t, 64> digest{};
     uint32_t length = digest.size();
-    check(ZA_PKCS7_DigestMessage(kSha1, key.bits.data(), static_cast<int32_t>(key.bits.size()),
+    check(ZA_PKCS7_DigestMessage(kSha1, octets.data(), static_cast<int32_t>(octets.size()),
                                  digest.data(), &length));
     return {digest.begin(), digest.begin() + length};
+}
+
+Octets key_identifier(const SubjectKey &key) {
+    return sha1(key.bits);
 }
 
 size_t rsa_bits(const SubjectKey &key) {

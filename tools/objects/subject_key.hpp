@@ -19,6 +19,8 @@ struct SubjectKey {
 
 SubjectKey subject_key(View spki);
 
+Octets sha1(View octets);
+
 // SHA-1 of subjectPublicKey: method 1 of RFC 5280, 4.2.1.2.
 Octets key_identifier(const SubjectKey &key);
 

@@ -117,11 +117,7 @@ void add_new(void *message, int32_t id, const std::vector<Octets> &present,
 std::vector<Octets> certificates_of(const Options &options, const Signatory &who) {
     std::vector<Octets> certificates = {who.certificate.der};
     if (!options.chain.empty()) {
-        for (Octets &der : load_all(options.chain, ObjectKind::certificate)) {
-            if (std::find(certificates.begin(), certificates.end(), der) == certificates.end()) {
-                certificates.push_back(std::move(der));
-            }
-        }
+        add_certificates(options.chain, certificates);
     }
     return certificates;
 }

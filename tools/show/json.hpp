@@ -3,6 +3,7 @@
 
 #include "objects/certificate.hpp"
 #include "objects/crl.hpp"
+#include "objects/ocsp.hpp"
 #include "objects/pkcs7.hpp"
 #include "objects/request.hpp"
 
@@ -18,8 +19,14 @@ using Json = nlohmann::ordered_json;
 Json certificate_json(const Certificate &certificate);
 Json request_json(const Request &request);
 Json message_json(const Message &message);
+Json ocsp_request_json(const OcspRequest &request);
+Json ocsp_response_json(const OcspResponse &response);
 Json crl_json(const Crl &crl);  // without its entries
 Json entry_json(const RevokedEntry &entry);
+
+// What stands in messages and files; a member "problem" alone where it cannot be read.
+Json certificate_brief_json(View der);
+Json crl_brief_json(View der);
 
 // Text with every character that steers a terminal escaped: in indented lines, or in one.
 enum class Layout { lines, one_line };

@@ -12,28 +12,6 @@ Json whose_json(const IssuerSerial &certificate) {
     return {{"issuer", name_json(certificate.name)}, {"serial", certificate.serial.hex()}};
 }
 
-Json brief_json(View der) {
-    try {
-        const CertificateBrief brief = certificate_brief(der);
-        Json json{{"subject", name_json(brief.subject)}};
-        json.update(whose_json(brief.certificate));
-        return json;
-    } catch (const LibraryError &error) {
-        return {{"problem", error.what()}};
-    }
-}
-
-Json crl_brief_json(View der) {
-    try {
-        const Crl crl = read_crl(der);
-        return {{"issuer", name_json(crl.issuer)},
-                {"this_update", instant_json(crl.this_update)},
-                {"num_revoked", crl.num_revoked}};
-    } catch (const LibraryError &error) {
-        return {{"problem", error.what()}};
-    }
-}
-
 void add_known_value(const MessageAttribute &attribute, Json &out) {
     if (attribute.type.oid == pkcs7::kContentType) {
         if (const auto id = object_id_in(attribute)) {
@@ -109,6 +87,28 @@ Json content_json(const Message &message) {
 
 }  // namespace
 
+Json certificate_brief_json(View der) {
+    try {
+        const CertificateBrief brief = certificate_brief(der);
+        Json json{{"subject", name_json(brief.subject)}};
+        json.update(whose_json(brief.certificate));
+        return json;
+    } catch (const LibraryError &error) {
+        return {{"problem", error.what()}};
+    }
+}
+
+Json crl_brief_json(View der) {
+    try {
+        const Crl crl = read_crl(der);
+        return {{"issuer", name_json(crl.issuer)},
+                {"this_update", instant_json(crl.this_update)},
+                {"num_revoked", crl.num_revoked}};
+    } catch (const LibraryError &error) {
+        return {{"problem", error.what()}};
+    }
+}
+
 Json message_json(const Message &message) {
     Json json{{"file", file_json(message.file)},
               {"index", message.index},
@@ -131,7 +131,7 @@ Json message_json(const Message &message) {
         json["recipients"] = list_json(message.recipients, recipient_json);
     }
     if (message.has_signers()) {
-        json["certificates"] = list_json(message.certificates, brief_json);
+        json["certificates"] = list_json(message.certificates, certificate_brief_json);
         json["crls"] = list_json(message.crls, crl_brief_json);
         json["signers"] = list_json(message.signers, signer_json);
     }

@@ -8,18 +8,23 @@ std::ostream &Output::next_page() {
     return out_ << (num_pages_++ == 0 ? "" : "\n");
 }
 
-void Output::add(const Certificate &certificate) {
+template <class Object, class Text, class ToJson>
+void Output::add_whole(const Object &object, const Text &text, const ToJson &json) {
     switch (format_) {
         case Format::text:
-            next_page() << certificate_text(certificate);
+            next_page() << text(object);
             break;
         case Format::json:
-            json_.add(certificate_json(certificate));
+            json_.add(json(object));
             break;
         case Format::table:
-            table_.add(certificate);
+            table_.add(object);
             break;
     }
+}
+
+void Output::add(const Certificate &certificate) {
+    add_whole(certificate, certificate_text, certificate_json);
 }
 
 void Output::add(const Crl &crl) {
@@ -37,31 +42,19 @@ void Output::add(const Crl &crl) {
 }
 
 void Output::add(const Request &request) {
-    switch (format_) {
-        case Format::text:
-            next_page() << request_text(request);
-            break;
-        case Format::json:
-            json_.add(request_json(request));
-            break;
-        case Format::table:
-            table_.add(request);
-            break;
-    }
+    add_whole(request, request_text, request_json);
 }
 
 void Output::add(const Message &message) {
-    switch (format_) {
-        case Format::text:
-            next_page() << message_text(message);
-            break;
-        case Format::json:
-            json_.add(message_json(message));
-            break;
-        case Format::table:
-            table_.add(message);
-            break;
-    }
+    add_whole(message, message_text, message_json);
+}
+
+void Output::add(const OcspRequest &request) {
+    add_whole(request, ocsp_request_text, ocsp_request_json);
+}
+
+void Output::add(const OcspResponse &response) {
+    add_whole(response, ocsp_response_text, ocsp_response_json);
 }
 
 void Output::finish(size_t num_failed) {

@@ -6,6 +6,7 @@
 #include "base/utf8.hpp"
 #include "base/wording.hpp"
 #include "objects/input.hpp"
+#include "objects/ocsp.hpp"
 #include "objects/pkcs7.hpp"
 #include "show/output.hpp"
 
@@ -78,6 +79,12 @@ class Show {
                 break;
             case ObjectKind::message:
                 add(path, index, read_message(candidate.der));
+                break;
+            case ObjectKind::ocsp_request:
+                add(path, index, read_ocsp_request(candidate.der));
+                break;
+            case ObjectKind::ocsp_response:
+                add(path, index, read_ocsp_response(candidate.der));
                 break;
             case ObjectKind::unknown:
                 throw LibraryError(ZACERT_GeneralErr);

@@ -125,7 +125,7 @@ void Table::add(const Request &request) {
 }
 
 void Table::add(const Message &message) {
-    most_ = ObjectKind::message;
+    most_ = std::max(most_, ObjectKind::message);
     std::string what = "(" + label(message.type);
     const IssuerSerial *first = nullptr;
     if (message.has_recipients()) {
@@ -142,11 +142,34 @@ void Table::add(const Message &message) {
         {});
 }
 
+void Table::add(const OcspRequest &request) {
+    most_ = ObjectKind::ocsp_response;
+    const std::vector<CertificateId> &asked = request.certificates;
+    add({"(OCSP request, certificates: " + std::to_string(asked.size()) + ")", "-",
+         asked.empty() ? "-" : asked.front().serial.hex(), "-", "-", "-"},
+        request.extensions);
+}
+
+void Table::add(const OcspResponse &response) {
+    most_ = ObjectKind::ocsp_response;
+    if (!response.body || response.body->answers.empty()) {
+        add({"(OCSP response, " + response_status(response.status) + ")", "-", "-", "-", "-", "-"},
+            {});
+        return;
+    }
+    const OcspAnswer &first = response.body->answers.front();
+    add({"(OCSP response, certificates: " + std::to_string(response.body->answers.size()) + ")",
+         "-", first.certificate.serial.hex(), date(first.this_update),
+         first.next_update ? date(*first.next_update) : "-", "-"},
+        response.body->extensions);
+}
+
 void Table::print(std::ostream &out, size_t num_failed) const {
-    const std::string_view counted = most_ == ObjectKind::certificate ? " certificates, "
-                                     : most_ == ObjectKind::request
-                                         ? " certificates, CRLs and requests, "
-                                         : " certificates, CRLs, requests and messages, ";
+    const std::string_view counted =
+        most_ == ObjectKind::certificate ? " certificates, "
+        : most_ == ObjectKind::request   ? " certificates, CRLs and requests, "
+        : most_ == ObjectKind::message   ? " certificates, CRLs, requests and messages, "
+                                         : " certificates, CRLs, requests, messages and OCSP, ";
     const Widths widths = column_widths(rows_);
     Row titles;
     for (const Column &column : kColumns) {

@@ -4,6 +4,7 @@
 #include "objects/certificate.hpp"
 #include "objects/crl.hpp"
 #include "objects/kind.hpp"
+#include "objects/ocsp.hpp"
 #include "objects/pkcs7.hpp"
 #include "objects/request.hpp"
 
@@ -17,6 +18,8 @@ class Table {
     void add(const Crl &crl);
     void add(const Request &request);
     void add(const Message &message);
+    void add(const OcspRequest &request);
+    void add(const OcspResponse &response);
 
     // `num_failed` objects could not be read and are counted in the last line.
     void print(std::ostream &out, size_t num_failed) const;

@@ -13,10 +13,6 @@ namespace tool {
 
 namespace {
 
-std::string octets_text(size_t count) {
-    return std::to_string(count) + (count == 1 ? " octet" : " octets");
-}
-
 std::string content_text(const Message &message) {
     std::string text = label(message.content_type) + ", ";
     if (!message.content_size) {
@@ -41,25 +37,6 @@ std::string encryption_text(const AlgorithmUse &use) {
 
 std::string whose_text(const IssuerSerial &certificate) {
     return "serial " + certificate.serial.hex(":") + " of " + one_line(certificate.name);
-}
-
-std::string certificate_text(View der) {
-    try {
-        const CertificateBrief brief = certificate_brief(der);
-        return one_line(brief.subject) + ", " + whose_text(brief.certificate);
-    } catch (const LibraryError &error) {
-        return std::string("not decoded: ") + error.what();
-    }
-}
-
-std::string crl_text(View der) {
-    try {
-        const Crl crl = read_crl(der);
-        return one_line(crl.issuer) + ", " + instant_text(crl.this_update) + ", " +
-               std::to_string(crl.num_revoked) + " revoked";
-    } catch (const LibraryError &error) {
-        return std::string("not decoded: ") + error.what();
-    }
 }
 
 std::optional<std::string> known_value(const MessageAttribute &attribute) {
@@ -98,11 +75,11 @@ void write_attributes(std::string_view title, const std::vector<MessageAttribute
 void write_signers(const Message &message, Page &page) {
     page.field("Certificates", count_or_none(message.certificates.size()));
     for (const Octets &certificate : message.certificates) {
-        page.line(2, certificate_text(certificate));
+        page.line(2, certificate_line(certificate));
     }
     page.field("CRLs", count_or_none(message.crls.size()));
     for (const Octets &crl : message.crls) {
-        page.line(2, crl_text(crl));
+        page.line(2, crl_line(crl));
     }
     page.field("Signers", count_or_none(message.signers.size()));
     for (const MessageSigner &signer : message.signers) {
@@ -133,6 +110,29 @@ std::string labels(const std::vector<NamedId> &ids) {
 }
 
 }  // namespace
+
+std::string octets_text(size_t count) {
+    return std::to_string(count) + (count == 1 ? " octet" : " octets");
+}
+
+std::string certificate_line(View der) {
+    try {
+        const CertificateBrief brief = certificate_brief(der);
+        return one_line(brief.subject) + ", " + whose_text(brief.certificate);
+    } catch (const LibraryError &error) {
+        return std::string("not decoded: ") + error.what();
+    }
+}
+
+std::string crl_line(View der) {
+    try {
+        const Crl crl = read_crl(der);
+        return one_line(crl.issuer) + ", " + instant_text(crl.this_update) + ", " +
+               std::to_string(crl.num_revoked) + " revoked";
+    } catch (const LibraryError &error) {
+        return std::string("not decoded: ") + error.what();
+    }
+}
 
 std::string message_text(const Message &message) {
     Page page;
