@@ -8,8 +8,6 @@
  *
  *     openssl cms -decrypt -inform DER -in MESSAGE -recip CERTIFICATE -inkey KEY -binary
  */
-#define _DEFAULT_SOURCE /* explicit_bzero */
-
 #include "example.h"
 
 #include <stddef.h>

@@ -5,8 +5,14 @@
 #ifndef EXAMPLE_H
 #define EXAMPLE_H
 
+/* For explicit_bzero: sources that include something before this file define it themselves. */
+#ifndef _DEFAULT_SOURCE
+#define _DEFAULT_SOURCE
+#endif
+
 #include <zacert.h>
 
+#include <stddef.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -80,21 +86,30 @@ static inline octets encoded(uint32_t (*encode)(void *, uint8_t *, uint32_t *), 
     return der;
 }
 
+/* getter: the type of all getters of octets. */
+typedef uint32_t (*getter)(void *, int32_t, uint8_t *, uint32_t *);
+
+/* attribute_of: an attribute of a context, which must be there. */
+static inline octets attribute_of(void *context, getter get, int32_t attribute) {
+    octets value = {NULL, 0};
+    CALL(get(context, attribute, NULL, &value.len));
+    check(value.len > 0, "an attribute that is there");
+    value = room_for(value.len);
+    CALL(get(context, attribute, value.data, &value.len));
+    return value;
+}
+
 /* of_certificate: an attribute, which must be there. */
 static inline octets of_certificate(octets certificate, int32_t attribute) {
     void *context = NULL;
     uint32_t measured = 0;
-    octets value = {NULL, 0};
     /* The decoder believes the certificate's own header. */
     check(certificate.len >= 16, "a certificate");
     CALL(ZAsn1_GetCertLength(certificate.data, &measured));
     check(measured <= certificate.len, "the whole of a certificate");
     CALL(ZACert_CreateCertDecodeCtx(&context));
     CALL(ZACert_DecodeCert(context, certificate.data, measured));
-    CALL(ZACert_GetCertAttributeChar(context, attribute, NULL, &value.len));
-    check(value.len > 0, "the attribute of the certificate");
-    value = room_for(value.len);
-    CALL(ZACert_GetCertAttributeChar(context, attribute, value.data, &value.len));
+    octets value = attribute_of(context, ZACert_GetCertAttributeChar, attribute);
     CALL(ZACert_DestroyCertDecodeCtx(context));
     return value;
 }
@@ -117,6 +132,21 @@ static inline void set_octets(setter set, void *part, int32_t attribute, octets 
 
 static inline void set_oid(setter set, void *part, int32_t attribute, const char *dotted) {
     set_octets(set, part, attribute, oid(dotted));
+}
+
+/*
+ * read_key: an RSAPrivateKey as the functions that sign take it: the numbers behind a length that
+ * nobody reads.
+ */
+static inline void read_key(const char *path, ZA_RSArefPrivateKey *key) {
+    ZA_RSAPrivateKey numbers;
+    octets der = read_file(path);
+    CALL(ZA_Decode_PrivateKey(&numbers, der.data, (int32_t)der.len));
+    memset(key, 0, sizeof *key);
+    memcpy((uint8_t *)key + offsetof(ZA_RSArefPrivateKey, modulus), &numbers, sizeof numbers);
+    explicit_bzero(&numbers, sizeof numbers);
+    explicit_bzero(der.data, der.len);
+    free(der.data);
 }
 
 #endif

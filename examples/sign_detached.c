@@ -9,27 +9,12 @@
  *
  *     openssl cms -verify -inform DER -in SIGNATURE -content CONTENT -CAfile CA -purpose any -binary
  */
-#define _DEFAULT_SOURCE /* explicit_bzero */
-
 #include "example.h"
 
-#include <stddef.h>
 #include <time.h>
 
 #define CONTENT_TYPE "1.2.840.113549.1.9.3"
 #define SIGNING_TIME "1.2.840.113549.1.9.5"
-
-/* The record of the function that signs: the same numbers, behind a length that nobody reads. */
-static void read_key(const char *path, ZA_RSArefPrivateKey *key) {
-    ZA_RSAPrivateKey numbers;
-    octets der = read_file(path);
-    CALL(ZA_Decode_PrivateKey(&numbers, der.data, (int32_t)der.len));
-    memset(key, 0, sizeof *key);
-    memcpy((uint8_t *)key + offsetof(ZA_RSArefPrivateKey, modulus), &numbers, sizeof numbers);
-    explicit_bzero(&numbers, sizeof numbers);
-    explicit_bzero(der.data, der.len);
-    free(der.data);
-}
 
 static void add_attribute(void *signer, const char *type, const uint8_t *value, size_t len) {
     octets identifier = oid(type);

@@ -10,6 +10,8 @@
  *
  * needs nothing else.
  */
+#define _DEFAULT_SOURCE /* explicit_bzero */
+
 #include <zacert/pkcs11.h>
 
 #include "example.h"

@@ -1,10 +1,12 @@
 #!/usr/bin/env python3
-"""The example programs: what they write other programs verify and decrypt."""
+"""The example programs: what they write other programs verify, decrypt, open and answer."""
 import os
 import pathlib
+import re
 import sys
 
 from support import peers
+from support.messages import inside
 from support.peers import FOLDER, Identity, attempt, file, introduced, octets_of, run
 
 if "ZACERT_EXAMPLES" not in os.environ:
@@ -12,6 +14,7 @@ if "ZACERT_EXAMPLES" not in os.environ:
     sys.exit(77)
 EXAMPLES = os.environ["ZACERT_EXAMPLES"]
 SOURCES = pathlib.Path(os.environ["ZACERT_SOURCE_DIR"], "examples").glob("*.c")
+PASSWORD, NAME = "abc123", "\u8bc1\u4e66"
 TEXT, KEY, IV = os.urandom(5000), os.urandom(16), os.urandom(16)
 
 
@@ -57,11 +60,55 @@ def envelopes(people):
             assert plain == TEXT, f"{message} for {name}"
 
 
+def pfx():
+    name = NAME.encode("gb18030")
+    assert run(f"{EXAMPLES}/pfx key.der One.der {PASSWORD} {os.fsdecode(name)} named.p12") == name + b"\n"
+    said = run(f"openssl pkcs12 -in named.p12 -legacy -nodes -passin pass:{PASSWORD}")
+    # It writes the low octets alone.
+    assert b"friendlyName: \xc1\x66\n" in said and b"PRIVATE KEY" in said, said
+    said = run(f"certtool --p12-info --inder --infile named.p12 --password {PASSWORD}")
+    assert f"Friendly name: {NAME}\n".encode() in said and b"PRIVATE KEY" in said, said
+
+
+def wrappers(people):
+    for name in people:
+        run(f"openssl pkcs12 -export -legacy -in {name}.pem -inkey {name}.key -out {name}.p12 "
+            f"-passout pass:{PASSWORD}")
+    run(f"{EXAMPLES}/wrappers send Two.der One.p12 {PASSWORD} text package")
+    signature, key, content = (bytes.fromhex(line.decode()) for line in octets_of("package").split(b"\n")[:3])
+    file("signature", signature)
+    file("One.pub", run("openssl x509 -in One.pem -noout -pubkey"))
+    run("openssl dgst -sha1 -verify One.pub -signature signature text")
+    digits = run("openssl pkeyutl -decrypt -inkey Two.key", key).decode()
+    assert run(f"openssl enc -d -aes-128-ecb -K {digits}", content) == TEXT
+    run(f"{EXAMPLES}/wrappers receive One.der Two.p12 {PASSWORD} package received")
+    assert octets_of("received") == TEXT
+    good, said = attempt(f"{EXAMPLES}/wrappers receive Two.der Two.p12 {PASSWORD} package none")
+    assert not good and said.startswith(b"4294967295 from Pfx_VerifyData_KOVA") and not (FOLDER / "none").exists(), said
+
+
+def ocsp():
+    assert run(f"{EXAMPLES}/ocsp key.der One.der Two.der request response") == b"good\n"
+    said = run("openssl ocsp -reqin request -req_text")
+    hashes = re.findall(rb"hash: (\w+)", run("openssl x509 -in One.pem -noout -ocspid"))
+    for text in (*hashes, two.serial.hex().upper().encode(), b"OCSP Nonce"):
+        assert text in said, (text, said)
+    said = attempt("openssl ocsp -respin response")[1]
+    assert said.startswith(b"Error parsing response"), said
+    (_, _, data), _, (_, signature, _) = inside(inside(inside(octets_of("response"))[1][1])[1][1])
+    file("signature", signature)
+    run("openssl dgst -sha256 -verify One.pub -signature signature", data)
+
+
+
 one, two = Identity("One"), Identity("Two")
 file("text", TEXT)
 with introduced(one):
     sign_with_token()
     sign_detached()
 envelopes((one.name, two.name))
+pfx()
+wrappers((one.name, two.name))
+ocsp()
 for source in SOURCES:
     assert b"usage: " + source.stem.encode() in attempt(f"{EXAMPLES}/{source.stem}")[1], source
