@@ -120,6 +120,16 @@ Status read_responder_id(const asn1::Element &in, ZA_OCSP_RESPONDERID &record,
 // The entries as the interface has them, in place of those that the record had.
 Status hand_over(const names::NameList &name, ZI_Name &record);
 
+// Reads what a name stands in. The record gets the name whatever comes of the rest, as it does
+// everything else that was read.
+template <class Read>
+Status read_with_name(ZI_Name &record, const Read &read) {
+    names::NameList name;
+    const Status status = read(name);
+    ZA_PASS(name.empty() ? Status::ok : hand_over(name, record));
+    return status;
+}
+
 // ZI_DecodeCertStatus
 Status read_cert_status(const asn1::Element &in, ZA_OCSP_CERTSTATUS &record);
 

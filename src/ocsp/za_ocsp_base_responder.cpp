@@ -219,9 +219,9 @@ uint32_t ZI_EncodeResponseId(ZA_OCSP_RESPONDERID *record, Anybuf **out) {
 
 uint32_t ZI_DecodeResponseId(ZA_OCSP_RESPONDERID *record, Anybuf *in) {
     return with_record(trace, record, in, [&] {
-        za::names::NameList name;
-        ZA_PASS(za::ocsp::read_responder_id(Element(*in), *record, name));
-        return za::ocsp::hand_over(name, record->name);
+        return za::ocsp::read_with_name(record->name, [&](za::names::NameList &name) {
+            return za::ocsp::read_responder_id(Element(*in), *record, name);
+        });
     });
 }
 

@@ -189,9 +189,9 @@ uint32_t ZI_EncodeResponseData(ZA_OCSP_RESPONSEDATA *record, Anybuf **out) {
 
 uint32_t ZI_DecodeResponseData(ZA_OCSP_RESPONSEDATA *record, Anybuf *in) {
     return with_record(trace, record, in, [&] {
-        NameList name;
-        ZA_PASS(za::ocsp::read_response_data(Element(*in), *record, name));
-        return za::ocsp::hand_over(name, record->responderId.name);
+        return za::ocsp::read_with_name(record->responderId.name, [&](NameList &name) {
+            return za::ocsp::read_response_data(Element(*in), *record, name);
+        });
     });
 }
 
@@ -210,8 +210,8 @@ uint32_t ZI_EncodeBasicResponse(ZA_OCSP_BASICRESPONSE *record, Anybuf **out) {
 
 uint32_t ZI_DecodeBasicResponse(ZA_OCSP_BASICRESPONSE *record, Anybuf *in) {
     return with_record(trace, record, in, [&] {
-        NameList name;
-        ZA_PASS(za::ocsp::read_basic_response(Element(*in), *record, name));
-        return za::ocsp::hand_over(name, record->data.responderId.name);
+        return za::ocsp::read_with_name(record->data.responderId.name, [&](NameList &name) {
+            return za::ocsp::read_basic_response(Element(*in), *record, name);
+        });
     });
 }
