@@ -24,6 +24,10 @@ void write_algorithm(Bytes oid, Bytes parameters, asn1::Builder &out) {
     });
 }
 
+void write_algorithm_or_null(Bytes oid, Bytes parameters, asn1::Builder &out) {
+    parameters.empty() ? write_algorithm(oid, out) : write_algorithm(oid, parameters, out);
+}
+
 Status read_algorithm(const asn1::Element &in, Bytes &oid, Bytes &parameters) {
     asn1::Children fields;
     asn1::Element algorithm;

@@ -97,7 +97,7 @@ Status read_key_bag(Children &fields, KeyBag &out) {
 
 void write_enc_key_bag(const EncKeyBag &bag, Builder &out) {
     // encryptionAlgorithm AlgorithmIdentifier
-    write_algorithm(bag.algorithm.bytes(), bag.parameter.bytes(), out);
+    names::write_algorithm_or_null(bag.algorithm.bytes(), bag.parameter.bytes(), out);
     // encryptedData OCTET STRING
     out.octet_string(bag.encrypted_key.bytes());
 }

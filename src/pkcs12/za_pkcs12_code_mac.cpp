@@ -2,6 +2,7 @@
 #include <zacert/pkcs12_safe.h>
 
 #include "asn1/za_asn2_indefinite.hpp"
+#include "names/za_low_algorithm.hpp"
 #include "pkcs12/za_pkcs12_code.hpp"
 #include "pkcs12/za_pkcs12_der.hpp"
 

@@ -23,11 +23,6 @@ Status read_items(const TraceSource &trace, Children &elements, List<Secret> &ou
     return Status::ok;
 }
 
-void write_algorithm(Bytes oid, Bytes parameters, Builder &out) {
-    parameters.empty() ? names::write_algorithm(oid, out)
-                       : names::write_algorithm(oid, parameters, out);
-}
-
 Status take_object_id(const TraceSource &trace, Children &fields, Bytes &out) {
     Element identifier;
     ZA_PASS(pkcs7::take_field(trace, fields, ZA_DER_ID_OBJECTID, identifier));

@@ -4,7 +4,6 @@
 #include "asn1/za_asn2_builder.hpp"
 #include "asn1/za_asn2_fields.hpp"
 #include "asn1/za_asn2_reader.hpp"
-#include "names/za_low_algorithm.hpp"
 #include "pkcs12/za_pkcs12_part.hpp"
 #include "pkcs7/za_pkcs7_content_info.hpp"
 
@@ -49,9 +48,6 @@ Status read_structure(const TraceSource &trace, Bytes in, T &out, const Fields &
 // SEQUENCE OF ANY, with the elements as they stand.
 void write_items(const List<Secret> &items, asn1::Builder &out);
 Status read_items(const TraceSource &trace, asn1::Children &elements, List<Secret> &out);
-
-// AlgorithmIdentifier, with NULL where there are no parameters.
-void write_algorithm(Bytes oid, Bytes parameters, asn1::Builder &out);
 
 // OBJECT IDENTIFIER: its content octets.
 Status take_object_id(const TraceSource &trace, asn1::Children &fields, Bytes &out);

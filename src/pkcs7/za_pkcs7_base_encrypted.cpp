@@ -49,9 +49,7 @@ void write_fields(const EncryptedFields &fields, Bytes encrypted, Builder &out) 
         // contentType OBJECT IDENTIFIER
         out.object_id(fields.content_type.bytes());
         // contentEncryptionAlgorithm AlgorithmIdentifier
-        const Bytes algorithm = fields.algorithm.bytes();
-        fields.parameter.empty() ? names::write_algorithm(algorithm, out)
-                                 : names::write_algorithm(algorithm, fields.parameter.bytes(), out);
+        names::write_algorithm_or_null(fields.algorithm.bytes(), fields.parameter.bytes(), out);
         // encryptedContent [0] IMPLICIT OCTET STRING OPTIONAL
         if (!encrypted.empty()) {
             out.element(kEncryptedContent, encrypted);

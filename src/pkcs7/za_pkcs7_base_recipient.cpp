@@ -52,10 +52,7 @@ Status write_fields(RecipientFields &fields, Bytes encrypted_key, Builder &out) 
         // issuerAndSerialNumber
         ZA_PASS(write_issuer_and_serial(fields.who, out));
         // keyEncryptionAlgorithm AlgorithmIdentifier
-        const Bytes algorithm = fields.algorithm.bytes();
-        fields.parameters.empty()
-            ? names::write_algorithm(algorithm, out)
-            : names::write_algorithm(algorithm, fields.parameters.bytes(), out);
+        names::write_algorithm_or_null(fields.algorithm.bytes(), fields.parameters.bytes(), out);
         // encryptedKey OCTET STRING
         out.octet_string(encrypted_key);
         return Status::ok;
