@@ -48,17 +48,17 @@ Secret password_in_variable(const std::string &name, Empty empty) {
 
 }  // namespace
 
-void add_password_options(CLI::App &command, PasswordSource &source, const std::string &otherwise,
+void add_password_options(Arguments &command, PasswordSource &source, const std::string &otherwise,
                           const PasswordRole &role) {
     const std::string option = "--" + role.prefix + "password-";
-    CLI::Option *file =
+    Option file =
         command.add_option(option + "file", source.file, role.text + ": a file's first line");
-    file->type_name("FILE");
+    file.type_name("FILE");
     command
         .add_option(option + "env", source.variable,
                     "the same from an environment variable; " + otherwise)
-        ->type_name("NAME")
-        ->excludes(file);
+        .type_name("NAME")
+        .excludes(file);
 }
 
 std::optional<Secret> given_password(const PasswordSource &source, Empty empty) {

@@ -2,9 +2,9 @@
 // the machine can see.
 #pragma once
 
+#include "base/arguments.hpp"
 #include "base/secret.hpp"
 
-#include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
 
@@ -24,7 +24,7 @@ struct PasswordRole {
 };
 
 // `otherwise` ends the help text: what happens without either option.
-void add_password_options(CLI::App &command, PasswordSource &source, const std::string &otherwise,
+void add_password_options(Arguments &command, PasswordSource &source, const std::string &otherwise,
                           const PasswordRole &role = {});
 
 // From the file's first line or the variable; nothing where neither is named.

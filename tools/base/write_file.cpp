@@ -14,6 +14,7 @@
 #include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace tool {
 
@@ -167,10 +168,10 @@ void write_file(const std::string &path, View octets, mode_t mode, Existing exis
     replace(resolved(path), octets, mode, existing);
 }
 
-void add_output_options(CLI::App &command, OutputOptions &output) {
+void add_output_options(Arguments &command, OutputOptions &output) {
     command.add_option("--out", output.path, "where to write it; - is standard output")
-        ->type_name("FILE")
-        ->capture_default_str();
+        .type_name("FILE")
+        .shows_default();
     command.add_flag("--der", output.der, "write DER instead of PEM");
 }
 

@@ -1,9 +1,9 @@
 // Files that come to be whole or not at all.
 #pragma once
 
+#include "base/arguments.hpp"
 #include "base/octets.hpp"
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <sys/types.h>
 
@@ -25,7 +25,7 @@ struct OutputOptions {
     bool der = false;
 };
 
-void add_output_options(CLI::App &command, OutputOptions &output);
+void add_output_options(Arguments &command, OutputOptions &output);
 
 // As DER, or as PEM with the label.
 void write_object(const OutputOptions &output, View der, const std::string &label);

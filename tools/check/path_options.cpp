@@ -1,20 +1,22 @@
 #include "check/path_options.hpp"
 
+#include "base/arguments.hpp"
 #include "base/dates.hpp"
-#include "base/options.hpp"
 #include "check/purpose.hpp"
+
+#include <utility>
 
 namespace tool {
 
-void add_path_options(CLI::App &command, PathOptions &options) {
-    add_repeatable(command, "--ca", options.roots, "trusted certificates, PEM or DER; repeatable");
-    add_repeatable(command, "--intermediate", options.intermediates,
-                   "certificates that may stand between; repeatable");
-    add_repeatable(command, "--crl", options.crls,
-                   "CRLs: certificates must not stand in them; repeatable");
+void add_path_options(Arguments &command, PathOptions &options) {
+    command.add_repeatable("--ca", options.roots, "trusted certificates, PEM or DER; repeatable");
+    command.add_repeatable("--intermediate", options.intermediates,
+                           "certificates that may stand between; repeatable");
+    command.add_repeatable("--crl", options.crls,
+                           "CRLs: certificates must not stand in them; repeatable");
     command.add_option("--at", options.at, "2030-01-31 or 2030-01-31T23:59:59Z instead of now");
     command.add_option("--purpose", options.purpose, "ca, server, client, email or ocsp")
-        ->check(CLI::IsMember(purpose_names()));
+        .one_of(purpose_names());
 }
 
 PathInputs::PathInputs(const PathOptions &options)

@@ -1,10 +1,10 @@
 // What commands that verify certificates have in common: their options, and one certificate's checks.
 #pragma once
 
+#include "base/arguments.hpp"
 #include "check/path.hpp"
 #include "check/revocation.hpp"
 
-#include <CLI/CLI.hpp>
 #include <deque>
 #include <string>
 #include <vector>
@@ -19,7 +19,7 @@ struct PathOptions {
     std::string purpose;
 };
 
-void add_path_options(CLI::App &command, PathOptions &options);
+void add_path_options(Arguments &command, PathOptions &options);
 
 // The files that the options name, read.
 struct PathInputs {

@@ -6,6 +6,7 @@
 #include "objects/name_forms.hpp"
 
 #include <iostream>
+#include <utility>
 
 namespace tool {
 
@@ -119,23 +120,23 @@ bool run(const Options &options) {
 
 }  // namespace
 
-void add_verify_command(CLI::App &app, Command &chosen) {
-    CLI::App *command = app.add_subcommand("verify",
-                                           "Verify certificates up to a trusted one, CRLs by their "
-                                           "issuer, requests by their own key.");
+void add_verify_command(Arguments &app) {
+    Arguments command = app.add_command("verify",
+                                        "Verify certificates up to a trusted one, CRLs by their "
+                                        "issuer, requests by their own key.");
     const auto options = std::make_shared<Options>();
-    add_path_options(*command, options->path);
+    add_path_options(command, options->path);
     command
-        ->add_option("FILE", options->files,
-                     "certificates, of each file the first with the others as intermediates; CRLs; "
-                     "requests")
-        ->required();
-    command->footer(
+        .add_option("FILE", options->files,
+                    "certificates, of each file the first with the others as intermediates; CRLs; "
+                    "requests")
+        .required();
+    command.footer(
         "Exit status: 0 all is good, 1 something is not, 2 the arguments make no sense.\n"
         "Example:\n  zacert verify --ca root.pem --intermediate ca.pem --crl ca.crl --purpose "
         "server "
         "server.pem");
-    command->callback([options, &chosen] { chosen = [options] { return run(*options); }; });
+    command.runs([options] { return run(*options); });
 }
 
 }  // namespace tool

@@ -2,10 +2,10 @@
 
 #include <zacert.h>
 
+#include "base/arguments.hpp"
 #include "base/der.hpp"
 #include "base/der_writer.hpp"
 #include "base/failure.hpp"
-#include "base/options.hpp"
 
 #include <algorithm>
 #include <arpa/inet.h>
@@ -37,9 +37,9 @@ Octets address(const std::string &text) {
 
 }  // namespace
 
-void add_name_options(CLI::App &command, NameOptions &options) {
+void add_name_options(Arguments &command, NameOptions &options) {
     const auto add = [&](const char *name, std::vector<std::string> &values, const char *text) {
-        add_repeatable(command, name, values, text)->group("Alternative names");
+        command.add_repeatable(name, values, text).heading("Alternative names");
     };
     add("--dns", options.dns, "host name; repeatable, as the next three are");
     add("--email", options.email, "e-mail address");

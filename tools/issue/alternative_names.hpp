@@ -1,9 +1,9 @@
 // Subject alternative names that users write.
 #pragma once
 
+#include "base/arguments.hpp"
 #include "base/octets.hpp"
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
 
@@ -16,7 +16,7 @@ struct NameOptions {
     std::vector<std::string> uri;
 };
 
-void add_name_options(CLI::App &command, NameOptions &options);
+void add_name_options(Arguments &command, NameOptions &options);
 
 // GeneralNames (RFC 5280, 4.2.1.6) in DER; empty where there are none. The library's own attributes
 // hold one name of each form. Throws Failure.

@@ -1,9 +1,9 @@
 #include <zacert.h>
 
+#include "base/arguments.hpp"
 #include "base/dates.hpp"
 #include "base/der_writer.hpp"
 #include "base/failure.hpp"
-#include "base/options.hpp"
 #include "base/write_file.hpp"
 #include "check/signature_check.hpp"
 #include "commands.hpp"
@@ -221,85 +221,83 @@ bool run(const Options &options) {
     return true;
 }
 
-void add_subject_options(CLI::App &command, Options &options) {
-    CLI::Option *request =
+void add_subject_options(Arguments &command, Options &options) {
+    Option request =
         command.add_option("--request", options.request, "the request to be answered, PEM or DER")
-            ->type_name("FILE");
-    CLI::Option *self =
+            .type_name("FILE");
+    Option self =
         command.add_flag("--self", options.self, "make a self-signed certificate instead");
-    CLI::Option *ca =
-        command.add_option("--ca", options.ca, "the CA's certificate")->type_name("FILE");
-    CLI::Option *subject =
+    Option ca = command.add_option("--ca", options.ca, "the CA's certificate").type_name("FILE");
+    Option subject =
         command.add_option("--subject", options.subject,
                            "name in UTF-8, in place of the request's; types: " + subject_types());
-    self->excludes(request)->excludes(ca)->needs(subject);
-    request->needs(ca);
-    ca->needs(request);
+    self.excludes(request).excludes(ca).needs(subject);
+    request.needs(ca);
+    ca.needs(request);
 }
 
-void add_validity_options(CLI::App &command, Options &options) {
-    CLI::Option *days =
-        command.add_option("--days", options.days, "365 unless given; of a CA 3650")
-            ->check(CLI::Range(1, 100000));
+void add_validity_options(Arguments &command, Options &options) {
+    Option days = command.add_option("--days", options.days, "365 unless given; of a CA 3650")
+                      .in_range(1, 100000);
     command
         .add_option("--not-before", options.not_before,
                     "2030-01-31 or 2030-01-31T23:59:59Z; now unless given")
-        ->type_name("DATE");
+        .type_name("DATE");
     command.add_option("--not-after", options.not_after, "in place of --days")
-        ->type_name("DATE")
-        ->excludes(days);
+        .type_name("DATE")
+        .excludes(days);
     command.add_option("--serial", options.serial, "hexadecimal; 16 random octets unless given")
-        ->type_name("HEX");
+        .type_name("HEX");
 }
 
-void add_content_options(CLI::App &command, Options &options) {
+void add_content_options(Arguments &command, Options &options) {
     command.add_option("--profile", options.profile, "ca, server, client, email or ocsp")
-        ->required()
-        ->check(CLI::IsMember(profile_names()));
+        .required()
+        .one_of(profile_names());
     command
         .add_option("--path-length", options.path_length, "how many CAs may stand below this one")
-        ->check(CLI::Range(0, 127));
+        .in_range(0, 127);
     add_name_options(command, options.names);
-    add_repeatable(command, "--crl-url", options.crl_urls, "where its CRL is; repeatable");
-    add_repeatable(command, "--ocsp-url", options.ocsp_urls, "where OCSP answers; repeatable");
-    add_repeatable(command, "--issuer-url", options.issuer_urls,
-                   "where the CA's certificate is; repeatable");
+    command.add_repeatable("--crl-url", options.crl_urls, "where its CRL is; repeatable");
+    command.add_repeatable("--ocsp-url", options.ocsp_urls, "where OCSP answers; repeatable");
+    command.add_repeatable("--issuer-url", options.issuer_urls,
+                           "where the CA's certificate is; repeatable");
     command.add_option("--policy", options.policy, "object identifier of a certificate policy")
-        ->type_name("OID");
-    add_repeatable(command, "--identity", options.identities,
-                   "KIND=NUMBER, an identity number; repeatable; kinds: " + identity_kinds());
+        .type_name("OID");
+    command.add_repeatable(
+        "--identity", options.identities,
+        "KIND=NUMBER, an identity number; repeatable; kinds: " + identity_kinds());
 }
 
 void require_consistent(const Options &options) {
     if (!options.self && options.request.empty()) {
-        throw CLI::RequiredError("--request or --self");
+        throw UsageError("--request or --self is required");
     }
     if (options.path_length && !is_ca_profile(options.profile)) {
-        throw CLI::ValidationError("--path-length", "is for the profile ca alone");
+        throw UsageError("--path-length is for the profile ca alone");
     }
 }
 
 }  // namespace
 
-void add_certificate_command(CLI::App &app, Command &chosen) {
-    CLI::App *group = app.add_subcommand("cert", "Issue certificates.");
-    group->require_subcommand(1);
-    CLI::App *command = group->add_subcommand("issue",
-                                              "Issue a certificate from a request, whose "
-                                              "alternative names it takes over unless names are "
-                                              "given here, or a self-signed one.");
+void add_certificate_command(Arguments &app) {
+    Arguments group = app.add_commands("cert", "Issue certificates.");
+    Arguments command = group.add_command("issue",
+                                          "Issue a certificate from a request, whose "
+                                          "alternative names it takes over unless names are "
+                                          "given here, or a self-signed one.");
     const auto options = std::make_shared<Options>();
-    add_subject_options(*command, *options);
-    add_key_options(*command, "--ca-key,--key", options->key);
-    add_content_options(*command, *options);
-    add_validity_options(*command, *options);
-    add_output_options(*command, options->output);
-    command->footer(R"(Examples:
+    add_subject_options(command, *options);
+    add_key_options(command, "--ca-key,--key", options->key);
+    add_content_options(command, *options);
+    add_validity_options(command, *options);
+    add_output_options(command, options->output);
+    command.footer(R"(Examples:
   zacert cert issue --self --subject "C=CN,O=Example,CN=Root" --key root.key --profile ca --out root.pem
   zacert cert issue --request server.csr --ca root.pem --ca-key root.key --profile server --out server.pem)");
-    command->callback([options, &chosen] {
+    command.runs([options] {
         require_consistent(*options);
-        chosen = [options] { return run(*options); };
+        return run(*options);
     });
 }
 

@@ -1,9 +1,9 @@
 #include <zacert.h>
 
+#include "base/arguments.hpp"
 #include "base/dates.hpp"
 #include "base/der.hpp"
 #include "base/failure.hpp"
-#include "base/options.hpp"
 #include "base/wording.hpp"
 #include "base/write_file.hpp"
 #include "check/signature_check.hpp"
@@ -199,36 +199,34 @@ bool run(const Options &options) {
 
 }  // namespace
 
-void add_crl_command(CLI::App &app, Command &chosen) {
-    CLI::App *group = app.add_subcommand("crl", "Make certificate revocation lists.");
-    group->require_subcommand(1);
-    CLI::App *command = group->add_subcommand("make", "Make a certificate revocation list.");
+void add_crl_command(Arguments &app) {
+    Arguments group = app.add_commands("crl", "Make certificate revocation lists.");
+    Arguments command = group.add_command("make", "Make a certificate revocation list.");
     const auto options = std::make_shared<Options>();
-    command->add_option("--ca", options->ca, "the CA's certificate")->required();
-    add_key_options(*command, "--ca-key,--key", options->key);
-    add_repeatable(
-        *command, "--revoke", options->revoked,
+    command.add_option("--ca", options->ca, "the CA's certificate").required();
+    add_key_options(command, "--ca-key,--key", options->key);
+    command.add_repeatable(
+        "--revoke", options->revoked,
         "SERIAL[,DATE[,REASON]]: hexadecimal, such as 2030-01-31, such as keyCompromise; "
         "repeatable");
-    add_repeatable(*command, "--revoke-cert", options->certificates,
-                   "the certificate itself, now; repeatable");
-    command->add_option("--reason", options->reason, "the reason for those of --revoke-cert");
-    command->add_option("--list", options->list,
-                        "a file with an entry as of --revoke on each line");
-    CLI::Option *previous = command->add_option("--previous", options->previous,
-                                                "a CRL of this CA whose entries and number go on");
-    command->add_option("--number", options->number,
-                        "number of the CRL; the previous one's plus 1, or 1, unless given");
-    command->add_option("--delta", options->base, "make a delta CRL to the CRL of this number")
-        ->excludes(previous);
-    command->add_option("--days", options->days, "until the next CRL at the latest")
-        ->check(CLI::Range(1, 100000))
-        ->capture_default_str();
-    add_output_options(*command, options->output);
-    command->footer(
+    command.add_repeatable("--revoke-cert", options->certificates,
+                           "the certificate itself, now; repeatable");
+    command.add_option("--reason", options->reason, "the reason for those of --revoke-cert");
+    command.add_option("--list", options->list, "a file with an entry as of --revoke on each line");
+    Option previous = command.add_option("--previous", options->previous,
+                                         "a CRL of this CA whose entries and number go on");
+    command.add_option("--number", options->number,
+                       "number of the CRL; the previous one's plus 1, or 1, unless given");
+    command.add_option("--delta", options->base, "make a delta CRL to the CRL of this number")
+        .excludes(previous);
+    command.add_option("--days", options->days, "until the next CRL at the latest")
+        .in_range(1, 100000)
+        .shows_default();
+    add_output_options(command, options->output);
+    command.footer(
         "Example:\n  zacert crl make --ca root.pem --ca-key root.key --previous root.crl "
         "--revoke-cert server.pem --reason keyCompromise --out root.crl");
-    command->callback([options, &chosen] { chosen = [options] { return run(*options); }; });
+    command.runs([options] { return run(*options); });
 }
 
 }  // namespace tool

@@ -29,25 +29,24 @@ bool run(const Options &options) {
 
 }  // namespace
 
-void add_key_command(CLI::App &app, Command &chosen) {
-    CLI::App *group = app.add_subcommand("key", "Make keys.");
-    group->require_subcommand(1);
-    CLI::App *command = group->add_subcommand(
-        "new", "Make a private key: PKCS#8 in PEM, for its owner's eyes alone.");
+void add_key_command(Arguments &app) {
+    Arguments group = app.add_commands("key", "Make keys.");
+    Arguments command =
+        group.add_command("new", "Make a private key: PKCS#8 in PEM, for its owner's eyes alone.");
     const auto options = std::make_shared<Options>();
     command
-        ->add_option("--type", options->type, "rsa-2048, rsa-3072, rsa-4096, rsa-1024, p256 or sm2")
-        ->check(CLI::IsMember({"rsa-2048", "rsa-3072", "rsa-4096", "rsa-1024", "p256", "sm2"}))
-        ->capture_default_str();
-    command->add_option("--out", options->path, "the file to be made, with mode 0600")
-        ->type_name("FILE")
-        ->required();
-    command->add_flag("--force", options->force, "replace a file that is there");
-    command->add_flag("--encrypt", options->encrypted,
-                      "encrypt it with AES-256 under a password, asked for unless given below");
-    add_password_options(*command, options->password, "both encrypt without --encrypt too");
-    command->footer("Example:\n  zacert key new --type sm2 --encrypt --out user.key");
-    command->callback([options, &chosen] { chosen = [options] { return run(*options); }; });
+        .add_option("--type", options->type, "rsa-2048, rsa-3072, rsa-4096, rsa-1024, p256 or sm2")
+        .one_of({"rsa-2048", "rsa-3072", "rsa-4096", "rsa-1024", "p256", "sm2"})
+        .shows_default();
+    command.add_option("--out", options->path, "the file to be made, with mode 0600")
+        .type_name("FILE")
+        .required();
+    command.add_flag("--force", options->force, "replace a file that is there");
+    command.add_flag("--encrypt", options->encrypted,
+                     "encrypt it with AES-256 under a password, asked for unless given below");
+    add_password_options(command, options->password, "both encrypt without --encrypt too");
+    command.footer("Example:\n  zacert key new --type sm2 --encrypt --out user.key");
+    command.runs([options] { return run(*options); });
 }
 
 }  // namespace tool

@@ -108,23 +108,22 @@ bool run(const Options &options) {
 
 }  // namespace
 
-void add_request_command(CLI::App &app, Command &chosen) {
-    CLI::App *group = app.add_subcommand("request", "Make certificate requests.");
-    group->require_subcommand(1);
-    CLI::App *command = group->add_subcommand("new", "Make a certificate request (PKCS#10).");
+void add_request_command(Arguments &app) {
+    Arguments group = app.add_commands("request", "Make certificate requests.");
+    Arguments command = group.add_command("new", "Make a certificate request (PKCS#10).");
     const auto options = std::make_shared<Options>();
-    add_key_options(*command, "--key", options->key);
+    add_key_options(command, "--key", options->key);
     command
-        ->add_option("--subject", options->subject,
-                     "name in UTF-8, such as \"C=CN,O=Example,CN=www.example.org\"; types: " +
-                         subject_types())
-        ->required();
-    add_name_options(*command, options->names);
-    add_output_options(*command, options->output);
-    command->footer(
+        .add_option("--subject", options->subject,
+                    "name in UTF-8, such as \"C=CN,O=Example,CN=www.example.org\"; types: " +
+                        subject_types())
+        .required();
+    add_name_options(command, options->names);
+    add_output_options(command, options->output);
+    command.footer(
         "Example:\n  zacert request new --key server.key --subject \"C=CN,CN=server\" --dns "
         "www.example.org --out server.csr");
-    command->callback([options, &chosen] { chosen = [options] { return run(*options); }; });
+    command.runs([options] { return run(*options); });
 }
 
 }  // namespace tool

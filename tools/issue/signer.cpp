@@ -89,16 +89,15 @@ Signer signer_of_token(const std::string &uri, const PasswordSource &password) {
 
 }  // namespace
 
-void add_key_options(CLI::App &command, const std::string &option, KeyOptions &options) {
-    CLI::Option_group *group = command.add_option_group("Key", "who signs");
-    group->add_option(option, options.file, "private key: PEM or DER, or the URI of --pkcs11")
-        ->type_name("FILE");
+void add_key_options(Arguments &command, const std::string &option, KeyOptions &options) {
+    Arguments group = command.add_group("Key", "who signs", 1, 1);
+    group.add_option(option, options.file, "private key: PEM or DER, or the URI of --pkcs11")
+        .type_name("FILE");
     group
-        ->add_option("--pkcs11", options.uri,
-                     "private key on a token instead: an RFC 7512 URI such as "
-                     "\"pkcs11:token=CA;object=root?module-path=/usr/lib/token.so\"")
-        ->type_name("URI");
-    group->require_option(1);
+        .add_option("--pkcs11", options.uri,
+                    "private key on a token instead: an RFC 7512 URI such as "
+                    "\"pkcs11:token=CA;object=root?module-path=/usr/lib/token.so\"")
+        .type_name("URI");
     add_password_options(command, options.password, "asked for where it is needed and not given");
 }
 

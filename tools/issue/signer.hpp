@@ -3,11 +3,11 @@
 
 #include <zacert.h>
 
+#include "base/arguments.hpp"
 #include "base/password.hpp"
 #include "base/secret.hpp"
 #include "objects/subject_key.hpp"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 
@@ -20,7 +20,7 @@ struct KeyOptions {
 };
 
 // `option` names the file, such as "--ca-key"; "--pkcs11" stands beside it.
-void add_key_options(CLI::App &command, const std::string &option, KeyOptions &options);
+void add_key_options(Arguments &command, const std::string &option, KeyOptions &options);
 
 // The URI where the key is on a token; empty where it is in a file.
 std::string token_uri(const KeyOptions &options);

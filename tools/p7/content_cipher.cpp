@@ -87,10 +87,10 @@ const CipherKind &aes_with_key(size_t key_size) {
     return *kind;
 }
 
-CLI::Option *add_cipher_option(CLI::App &command, std::string &name) {
+Option add_cipher_option(Arguments &command, std::string &name) {
     return command
         .add_option("--cipher", name, "aes-128-cbc, aes-192-cbc, aes-256-cbc or des-ede3-cbc")
-        ->check(CLI::IsMember({"aes-128-cbc", "aes-192-cbc", "aes-256-cbc", "des-ede3-cbc"}));
+        .one_of({"aes-128-cbc", "aes-192-cbc", "aes-256-cbc", "des-ede3-cbc"});
 }
 
 Secret random_key(const CipherKind &kind) {

@@ -1,9 +1,9 @@
 // The ciphers that encrypt contents, behind the callbacks of an EncryptedContentInfo.
 #pragma once
 
+#include "base/arguments.hpp"
 #include "base/secret.hpp"
 
-#include <CLI/CLI.hpp>
 #include <openssl/evp.h>
 #include <string>
 #include <string_view>
@@ -23,7 +23,7 @@ const CipherKind &cipher_named(std::string_view name);
 const CipherKind *cipher_of_id(std::string_view id);
 const CipherKind &aes_with_key(size_t key_size);
 
-CLI::Option *add_cipher_option(CLI::App &command, std::string &name);
+Option add_cipher_option(Arguments &command, std::string &name);
 
 // A cipher with key and IV. It must live as long as the contexts it is installed in are used.
 class ContentCipher {

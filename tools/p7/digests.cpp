@@ -39,9 +39,9 @@ const MessageDigest &digest_named(std::string_view name) {
     return *row;
 }
 
-CLI::Option *add_digest_option(CLI::App &command, std::string &name) {
+Option add_digest_option(Arguments &command, std::string &name) {
     return command.add_option("--digest", name, "sha256, sha384 or sha512")
-        ->check(CLI::IsMember({"sha256", "sha384", "sha512"}));
+        .one_of({"sha256", "sha384", "sha512"});
 }
 
 }  // namespace tool

@@ -1,9 +1,9 @@
 // Digests of messages.
 #pragma once
 
+#include "base/arguments.hpp"
 #include "base/octets.hpp"
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <openssl/evp.h>
 #include <string>
@@ -32,6 +32,6 @@ const MessageDigest *digest_of_id(std::string_view id);
 // By the name, among those that are offered for new messages.
 const MessageDigest &digest_named(std::string_view name);
 
-CLI::Option *add_digest_option(CLI::App &command, std::string &name);
+Option add_digest_option(Arguments &command, std::string &name);
 
 }  // namespace tool

@@ -5,11 +5,11 @@
 
 namespace tool {
 
-void add_p7_show(CLI::App &p7, Command &chosen);
-void add_p7_verify(CLI::App &p7, Command &chosen);
-void add_p7_sign(CLI::App &p7, Command &chosen);
-void add_p7_encrypt(CLI::App &p7, Command &chosen);
-void add_p7_decrypt(CLI::App &p7, Command &chosen);
-void add_p7_digest(CLI::App &p7, Command &chosen);
+void add_p7_show(Arguments &p7);
+void add_p7_verify(Arguments &p7);
+void add_p7_sign(Arguments &p7);
+void add_p7_encrypt(Arguments &p7);
+void add_p7_decrypt(Arguments &p7);
+void add_p7_digest(Arguments &p7);
 
 }  // namespace tool

@@ -162,28 +162,27 @@ bool run(const Options &options) {
 
 }  // namespace
 
-void add_p7_decrypt(CLI::App &p7, Command &chosen) {
-    CLI::App *command =
-        p7.add_subcommand("decrypt", "Decrypt a message (envelopedData, encryptedData).");
+void add_p7_decrypt(Arguments &p7) {
+    Arguments command =
+        p7.add_command("decrypt", "Decrypt a message (envelopedData, encryptedData).");
     const auto options = std::make_shared<Options>();
-    CLI::Option_group *group = command->add_option_group("Key", "what decrypts");
-    CLI::Option *key = group->add_option("--key", options->key, "the recipient's private RSA key")
-                           ->type_name("FILE");
-    add_secret_key_options(*group, options->secret_key);
-    group->require_option(1);
+    Arguments group = command.add_group("Key", "what decrypts", 1, 1);
+    Option key = group.add_option("--key", options->key, "the recipient's private RSA key")
+                     .type_name("FILE");
+    add_secret_key_options(group, options->secret_key);
     command
-        ->add_option("--cert", options->certificate,
-                     "the recipient's certificate; without it each recipient is tried")
-        ->type_name("FILE")
-        ->needs(key);
-    add_password_options(*command, options->password, "asked for where it is needed and not given");
-    command->add_option("--out", options->out, "where to write the content; - is standard output")
-        ->type_name("FILE")
-        ->required();
-    command->add_option("MESSAGE", options->message, "DER or PEM; - is standard input")->required();
-    command->footer(
+        .add_option("--cert", options->certificate,
+                    "the recipient's certificate; without it each recipient is tried")
+        .type_name("FILE")
+        .needs(key);
+    add_password_options(command, options->password, "asked for where it is needed and not given");
+    command.add_option("--out", options->out, "where to write the content; - is standard output")
+        .type_name("FILE")
+        .required();
+    command.add_option("MESSAGE", options->message, "DER or PEM; - is standard input").required();
+    command.footer(
         "Example:\n  zacert p7 decrypt --key bob.key --cert bob.pem --out report.pdf report.p7m");
-    command->callback([options, &chosen] { chosen = [options] { return run(*options); }; });
+    command.runs([options] { return run(*options); });
 }
 
 }  // namespace tool

@@ -92,33 +92,30 @@ bool compare(const Options &options) {
 
 }  // namespace
 
-void add_p7_digest(CLI::App &p7, Command &chosen) {
-    CLI::App *command =
-        p7.add_subcommand("digest", "Put a file and its digest into one message (digestedData).");
+void add_p7_digest(Arguments &p7) {
+    Arguments command =
+        p7.add_command("digest", "Put a file and its digest into one message (digestedData).");
     const auto options = std::make_shared<Options>();
-    CLI::Option *digest = add_digest_option(*command, options->digest)->capture_default_str();
-    CLI::Option *out =
-        command->add_option("--out", options->out, "where to write it; - is standard output")
-            ->type_name("FILE");
-    CLI::Option *pem = command->add_flag("--pem", options->pem, "write PEM instead of DER");
-    CLI::Option *content =
-        command->add_option("CONTENT", options->content, "what is digested; - is standard input");
+    Option digest = add_digest_option(command, options->digest).shows_default();
+    Option out =
+        command.add_option("--out", options->out, "where to write it; - is standard output")
+            .type_name("FILE");
+    Option pem = command.add_flag("--pem", options->pem, "write PEM instead of DER");
+    Option content =
+        command.add_option("CONTENT", options->content, "what is digested; - is standard input");
     command
-        ->add_option("--check", options->message,
-                     "tell whether the digest in this message is that of its content")
-        ->type_name("MESSAGE")
-        ->excludes(digest)
-        ->excludes(out)
-        ->excludes(pem)
-        ->excludes(content);
-    command->footer(
+        .add_option("--check", options->message,
+                    "tell whether the digest in this message is that of its content")
+        .type_name("MESSAGE")
+        .excludes(digest)
+        .excludes(out)
+        .excludes(pem)
+        .excludes(content);
+    command.footer(
         "Examples:\n  zacert p7 digest --out report.p7 report.pdf\n"
         "  zacert p7 digest --check report.p7");
-    command->callback([options, &chosen] {
-        chosen = [options] {
-            return options->message.empty() ? make(*options) : compare(*options);
-        };
-    });
+    command.runs(
+        [options] { return options->message.empty() ? make(*options) : compare(*options); });
 }
 
 }  // namespace tool

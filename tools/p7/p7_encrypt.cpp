@@ -1,9 +1,9 @@
 #include <zacert.h>
 
+#include "base/arguments.hpp"
 #include "base/der.hpp"
 #include "base/der_writer.hpp"
 #include "base/failure.hpp"
-#include "base/options.hpp"
 #include "base/wording.hpp"
 #include "base/write_file.hpp"
 #include "objects/input.hpp"
@@ -139,31 +139,31 @@ bool run(const Options &options) {
 
 }  // namespace
 
-void add_p7_encrypt(CLI::App &p7, Command &chosen) {
-    CLI::App *command = p7.add_subcommand(
+void add_p7_encrypt(Arguments &p7) {
+    Arguments command = p7.add_command(
         "encrypt",
         "Encrypt a file for recipients (envelopedData), or under a key (encryptedData).");
     const auto options = std::make_shared<Options>();
-    CLI::Option_group *group = command->add_option_group("Recipients", "who can decrypt");
-    add_repeatable(*group, "--to", options->recipients,
-                   "certificate of a recipient, with an RSA key; repeatable")
-        ->type_name("CERT");
-    add_secret_key_options(*group, options->key);
-    group->require_option(1);
-    add_cipher_option(*command, options->cipher)
-        ->description(
+    Arguments group = command.add_group("Recipients", "who can decrypt", 1, 1);
+    group
+        .add_repeatable("--to", options->recipients,
+                        "certificate of a recipient, with an RSA key; repeatable")
+        .type_name("CERT");
+    add_secret_key_options(group, options->key);
+    add_cipher_option(command, options->cipher)
+        .description(
             "aes-256-cbc (the default for recipients), aes-192-cbc, aes-128-cbc or des-ede3-cbc; a "
             "secret key is one of AES by its size");
-    command->add_option("--out", options->out, "where to write it; - is standard output")
-        ->type_name("FILE")
-        ->required();
-    command->add_flag("--pem", options->pem, "write PEM instead of DER");
-    command->add_option("CONTENT", options->content, "what is encrypted; - is standard input")
-        ->required();
-    command->footer(
+    command.add_option("--out", options->out, "where to write it; - is standard output")
+        .type_name("FILE")
+        .required();
+    command.add_flag("--pem", options->pem, "write PEM instead of DER");
+    command.add_option("CONTENT", options->content, "what is encrypted; - is standard input")
+        .required();
+    command.footer(
         "Examples:\n  zacert p7 encrypt --to alice.pem --to bob.pem --out report.p7m report.pdf\n"
         "  zacert p7 encrypt --secret-key-file key.hex --out report.p7m report.pdf");
-    command->callback([options, &chosen] { chosen = [options] { return run(*options); }; });
+    command.runs([options] { return run(*options); });
 }
 
 }  // namespace tool

@@ -6,6 +6,8 @@
 #include "p7/p7_command.hpp"
 #include "show/show.hpp"
 
+#include <memory>
+
 namespace tool {
 
 namespace {
@@ -55,21 +57,19 @@ bool run(const Options &options) {
 
 }  // namespace
 
-void add_p7_show(CLI::App &p7, Command &chosen) {
-    CLI::App *command = p7.add_subcommand("show", "Show PKCS#7 messages in DER or PEM.");
+void add_p7_show(Arguments &p7) {
+    Arguments command = p7.add_command("show", "Show PKCS#7 messages in DER or PEM.");
     const auto options = std::make_shared<Options>();
-    command->add_option("--format", options->format, "text, json or table")
-        ->check(CLI::IsMember(formats()))
-        ->capture_default_str();
+    add_format_option(command, options->format);
     command
-        ->add_option("--certs", options->certificates,
-                     "write the certificates of the messages as PEM instead; - is standard output")
-        ->type_name("FILE");
-    command->add_option("FILE", options->files, "DER or PEM; - is standard input")->required();
-    command->footer(
+        .add_option("--certs", options->certificates,
+                    "write the certificates of the messages as PEM instead; - is standard output")
+        .type_name("FILE");
+    command.add_option("FILE", options->files, "DER or PEM; - is standard input").required();
+    command.footer(
         "Nothing is verified, and contents are not shown.\n"
         "Example:\n  zacert p7 show --certs chain.pem message.p7s");
-    command->callback([options, &chosen] { chosen = [options] { return run(*options); }; });
+    command.runs([options] { return run(*options); });
 }
 
 }  // namespace tool

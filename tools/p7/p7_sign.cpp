@@ -208,35 +208,35 @@ bool run(const Options &options) {
 
 }  // namespace
 
-void add_p7_sign(CLI::App &p7, Command &chosen) {
-    CLI::App *command = p7.add_subcommand("sign", "Sign a file (signedData).");
+void add_p7_sign(Arguments &p7) {
+    Arguments command = p7.add_command("sign", "Sign a file (signedData).");
     const auto options = std::make_shared<Options>();
-    command->add_option("--cert", options->certificate, "the signer's certificate")
-        ->type_name("FILE")
-        ->required();
-    add_key_options(*command, "--key", options->key);
-    command->add_option("--chain", options->chain, "further certificates that go into the message")
-        ->type_name("FILE");
-    add_digest_option(*command, options->digest)
-        ->description("sha256 (the default), sha384 or sha512; SM2 keys have SM3");
-    command->add_flag("--detached", options->detached, "leave the content out of the message");
-    command->add_flag("--no-attributes", options->no_attributes,
-                      "sign the content itself, without signing time");
+    command.add_option("--cert", options->certificate, "the signer's certificate")
+        .type_name("FILE")
+        .required();
+    add_key_options(command, "--key", options->key);
+    command.add_option("--chain", options->chain, "further certificates that go into the message")
+        .type_name("FILE");
+    add_digest_option(command, options->digest)
+        .description("sha256 (the default), sha384 or sha512; SM2 keys have SM3");
+    command.add_flag("--detached", options->detached, "leave the content out of the message");
+    command.add_flag("--no-attributes", options->no_attributes,
+                     "sign the content itself, without signing time");
     command
-        ->add_option("--add", options->message,
-                     "add the signer to this message; CONTENT is given where it is detached")
-        ->type_name("MESSAGE");
-    command->add_option("--out", options->out, "where to write it; - is standard output")
-        ->type_name("FILE")
-        ->required();
-    command->add_flag("--pem", options->pem, "write PEM instead of DER");
-    command->add_option("CONTENT", options->content, "what is signed; - is standard input");
-    command->footer(
+        .add_option("--add", options->message,
+                    "add the signer to this message; CONTENT is given where it is detached")
+        .type_name("MESSAGE");
+    command.add_option("--out", options->out, "where to write it; - is standard output")
+        .type_name("FILE")
+        .required();
+    command.add_flag("--pem", options->pem, "write PEM instead of DER");
+    command.add_option("CONTENT", options->content, "what is signed; - is standard input");
+    command.footer(
         "Examples:\n"
         "  zacert p7 sign --cert user.pem --key user.key --out report.p7m report.pdf\n"
         "  zacert p7 sign --cert user.pem --key \"pkcs11:token=CA;object=user\" --detached --out "
         "report.p7s report.pdf");
-    command->callback([options, &chosen] { chosen = [options] { return run(*options); }; });
+    command.runs([options] { return run(*options); });
 }
 
 }  // namespace tool

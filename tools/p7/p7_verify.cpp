@@ -1,7 +1,7 @@
 #include <zacert.h>
 
+#include "base/arguments.hpp"
 #include "base/failure.hpp"
-#include "base/options.hpp"
 #include "base/wording.hpp"
 #include "base/write_file.hpp"
 #include "objects/input.hpp"
@@ -167,28 +167,27 @@ bool run(const Options &options) {
 
 }  // namespace
 
-void add_p7_verify(CLI::App &p7, Command &chosen) {
-    CLI::App *command = p7.add_subcommand(
+void add_p7_verify(Arguments &p7) {
+    Arguments command = p7.add_command(
         "verify", "Verify a signed PKCS#7 message: every signer, its content and certificates.");
     const auto options = std::make_shared<Options>();
-    add_path_options(*command, options->path);
-    command->add_flag("--no-path", options->no_path,
-                      "do not check whose the signers' certificates are, instead of --ca");
-    add_repeatable(*command, "--cert", options->certificates,
-                   "certificates of signers that are not in the message; repeatable");
+    add_path_options(command, options->path);
+    command.add_flag("--no-path", options->no_path,
+                     "do not check whose the signers' certificates are, instead of --ca");
+    command.add_repeatable("--cert", options->certificates,
+                           "certificates of signers that are not in the message; repeatable");
+    command.add_option("--content", options->content, "the content, where it is not in the message")
+        .type_name("FILE");
     command
-        ->add_option("--content", options->content, "the content, where it is not in the message")
-        ->type_name("FILE");
-    command
-        ->add_option("--out", options->out,
-                     "write the content there if all is good; - is standard output, and the report "
-                     "goes to standard error")
-        ->type_name("FILE");
-    command->add_option("MESSAGE", options->message, "DER or PEM; - is standard input")->required();
-    command->footer(
+        .add_option("--out", options->out,
+                    "write the content there if all is good; - is standard output, and the report "
+                    "goes to standard error")
+        .type_name("FILE");
+    command.add_option("MESSAGE", options->message, "DER or PEM; - is standard input").required();
+    command.footer(
         "Exit status: 0 all is good, 1 something is not, 2 the arguments make no sense.\n"
         "Example:\n  zacert p7 verify --ca root.pem --content contract.pdf contract.p7s");
-    command->callback([options, &chosen] { chosen = [options] { return run(*options); }; });
+    command.runs([options] { return run(*options); });
 }
 
 }  // namespace tool

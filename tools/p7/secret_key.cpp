@@ -37,14 +37,14 @@ Secret octets_of_digits(View text) {
 
 }  // namespace
 
-void add_secret_key_options(CLI::App &command, SecretKeyOptions &options) {
+void add_secret_key_options(Arguments &command, SecretKeyOptions &options) {
     command
         .add_option("--secret-key", options.digits,
                     "key of the cipher, which both sides know; others on this machine can see it "
                     "in the arguments")
-        ->type_name("HEX");
+        .type_name("HEX");
     command.add_option("--secret-key-file", options.file, "a file with these digits instead")
-        ->type_name("FILE");
+        .type_name("FILE");
 }
 
 Secret secret_key(const SecretKeyOptions &options) {

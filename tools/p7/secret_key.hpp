@@ -1,9 +1,9 @@
 // Secret keys that sender and recipient share.
 #pragma once
 
+#include "base/arguments.hpp"
 #include "base/secret.hpp"
 
-#include <CLI/CLI.hpp>
 #include <string>
 
 namespace tool {
@@ -15,7 +15,7 @@ struct SecretKeyOptions {
     bool given() const { return !digits.empty() || !file.empty(); }
 };
 
-void add_secret_key_options(CLI::App &command, SecretKeyOptions &options);
+void add_secret_key_options(Arguments &command, SecretKeyOptions &options);
 
 // Throws Failure.
 Secret secret_key(const SecretKeyOptions &options);

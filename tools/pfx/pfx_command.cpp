@@ -2,13 +2,12 @@
 
 namespace tool {
 
-void add_pfx_command(CLI::App &app, Command &chosen) {
-    CLI::App *group = app.add_subcommand(
+void add_pfx_command(Arguments &app) {
+    Arguments group = app.add_commands(
         "pfx", "Make, open and show PKCS#12 files: a key and its certificates under a password.");
-    group->require_subcommand(1);
-    add_pfx_make(*group, chosen);
-    add_pfx_open(*group, chosen);
-    add_pfx_show(*group, chosen);
+    add_pfx_make(group);
+    add_pfx_open(group);
+    add_pfx_show(group);
 }
 
 }  // namespace tool

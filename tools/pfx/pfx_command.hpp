@@ -5,8 +5,8 @@
 
 namespace tool {
 
-void add_pfx_make(CLI::App &pfx, Command &chosen);
-void add_pfx_open(CLI::App &pfx, Command &chosen);
-void add_pfx_show(CLI::App &pfx, Command &chosen);
+void add_pfx_make(Arguments &pfx);
+void add_pfx_open(Arguments &pfx);
+void add_pfx_show(Arguments &pfx);
 
 }  // namespace tool

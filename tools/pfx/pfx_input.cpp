@@ -119,14 +119,13 @@ void judge_and_open(View der, const Secret &password, OpenedPfx &out) {
 
 }  // namespace
 
-void add_pfx_input(CLI::App &command, PfxInput &input) {
+void add_pfx_input(Arguments &command, PfxInput &input) {
     add_password_options(command, input.password, "asked for where it is not given",
                          {"", "the password"});
     command.add_flag("--no-mac", input.no_mac,
                      "take a file without a MAC, of which nobody can tell whether it was changed");
-    command
-        .add_option("FILE", input.path, "DER, or PEM as certtool writes it; - is standard input")
-        ->required();
+    command.add_option("FILE", input.path, "DER, or PEM as certtool writes it; - is standard input")
+        .required();
 }
 
 Pfx look_into_pfx(const PfxInput &input) {

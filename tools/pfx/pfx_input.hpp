@@ -1,10 +1,9 @@
 // PKCS#12 files as "open" and "show" get them: from a path, under a password.
 #pragma once
 
+#include "base/arguments.hpp"
 #include "base/password.hpp"
 #include "pfx/pfx_file.hpp"
-
-#include <CLI/CLI.hpp>
 
 namespace tool {
 
@@ -14,7 +13,7 @@ struct PfxInput {
     bool no_mac = false;
 };
 
-void add_pfx_input(CLI::App &command, PfxInput &input);
+void add_pfx_input(Arguments &command, PfxInput &input);
 
 // As much as can be read without a password. Throws Failure.
 Pfx look_into_pfx(const PfxInput &input);

@@ -1,9 +1,9 @@
 #include <zacert.h>
 
+#include "base/arguments.hpp"
 #include "base/der.hpp"
 #include "base/der_writer.hpp"
 #include "base/failure.hpp"
-#include "base/options.hpp"
 #include "base/utf8.hpp"
 #include "base/wording.hpp"
 #include "base/write_file.hpp"
@@ -163,43 +163,44 @@ bool run(const Options &options) {
 
 }  // namespace
 
-void add_pfx_make(CLI::App &pfx, Command &chosen) {
-    CLI::App *command =
-        pfx.add_subcommand("make", "Make a PKCS#12 file of a key and its certificates, mode 0600.");
+void add_pfx_make(Arguments &pfx) {
+    Arguments command =
+        pfx.add_command("make", "Make a PKCS#12 file of a key and its certificates, mode 0600.");
     const auto options = std::make_shared<Options>();
-    command->add_option("--key", options->key, "the private key, RSA or elliptic-curve")
-        ->type_name("FILE")
-        ->required();
-    add_password_options(*command, options->key_password, "asked for where it is needed",
+    command.add_option("--key", options->key, "the private key, RSA or elliptic-curve")
+        .type_name("FILE")
+        .required();
+    add_password_options(command, options->key_password, "asked for where it is needed",
                          {"key-", "the password of the key file"});
-    command->add_option("--cert", options->certificate, "the certificate of the key")
-        ->type_name("FILE")
-        ->required();
-    add_repeatable(*command, "--chain", options->chain,
-                   "further certificates, in the order of the path; repeatable")
-        ->type_name("FILE");
+    command.add_option("--cert", options->certificate, "the certificate of the key")
+        .type_name("FILE")
+        .required();
     command
-        ->add_option("--name", options->name,
-                     "friendlyName of key and certificate, in UTF-8; programs list it")
-        ->type_name("TEXT");
+        .add_repeatable("--chain", options->chain,
+                        "further certificates, in the order of the path; repeatable")
+        .type_name("FILE");
     command
-        ->add_option("--local-key-id", options->local_key_id,
-                     "what pairs key and certificate; auto is the SHA-1 of the certificate")
-        ->type_name("HEX")
-        ->capture_default_str();
-    add_password_options(*command, options->password, "asked for where it is not given",
+        .add_option("--name", options->name,
+                    "friendlyName of key and certificate, in UTF-8; programs list it")
+        .type_name("TEXT");
+    command
+        .add_option("--local-key-id", options->local_key_id,
+                    "what pairs key and certificate; auto is the SHA-1 of the certificate")
+        .type_name("HEX")
+        .shows_default();
+    add_password_options(command, options->password, "asked for where it is not given",
                          {"", "the password of the new file"});
-    command->add_option("--out", options->out, "where to write it; - is standard output")
-        ->type_name("FILE")
-        ->required();
-    command->footer(
+    command.add_option("--out", options->out, "where to write it; - is standard output")
+        .type_name("FILE")
+        .required();
+    command.footer(
         "The encryption is the old one that every program reads. It does not withstand somebody "
         "with\n"
         "time: give the file away as you would the bare key.\n"
         "Example:\n  zacert pfx make --key server.key --cert server.pem --chain ca.pem --name "
         "server "
         "--out server.p12");
-    command->callback([options, &chosen] { chosen = [options] { return run(*options); }; });
+    command.runs([options] { return run(*options); });
 }
 
 }  // namespace tool

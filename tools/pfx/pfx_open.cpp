@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <span>
+#include <tuple>
 
 namespace tool {
 
@@ -159,32 +160,31 @@ bool run(const Options &options) {
 
 }  // namespace
 
-void add_pfx_open(CLI::App &pfx, Command &chosen) {
-    CLI::App *command = pfx.add_subcommand(
+void add_pfx_open(Arguments &pfx) {
+    Arguments command = pfx.add_command(
         "open", "Write key and certificates of a PKCS#12 file as PEM, once its MAC is right.");
     const auto options = std::make_shared<Options>();
-    CLI::Option_group *group = command->add_option_group("Outputs", "one or more");
+    Arguments group = command.add_group("Outputs", "one or more", 1, 4);
     group
-        ->add_option("--key-out", options->key,
-                     "where to write the private key: PKCS#8, not encrypted, mode 0600")
-        ->type_name("FILE");
-    CLI::Option *all =
-        group->add_option("--certs-out", options->certificates, "the certificates, in their order")
-            ->type_name("FILE");
+        .add_option("--key-out", options->key,
+                    "where to write the private key: PKCS#8, not encrypted, mode 0600")
+        .type_name("FILE");
+    Option all =
+        group.add_option("--certs-out", options->certificates, "the certificates, in their order")
+            .type_name("FILE");
     for (auto [name, place, text] :
          {std::tuple("--cert-out", &options->certificate, "the certificate of the key"),
           std::tuple("--chain-out", &options->chain, "the certificates besides it")}) {
-        group->add_option(name, *place, text)->type_name("FILE")->excludes(all);
+        group.add_option(name, *place, text).type_name("FILE").excludes(all);
     }
-    group->require_option(1, 4);
-    command->add_flag("--force", options->force, "replace a key file that is there");
-    add_pfx_input(*command, options->input);
-    command->footer(
+    command.add_flag("--force", options->force, "replace a key file that is there");
+    add_pfx_input(command, options->input);
+    command.footer(
         "- is standard output.\n"
         "Examples:\n  zacert pfx open --key-out server.key --certs-out server.pem server.p12\n"
         "  zacert pfx open --cert-out server.pem --chain-out ca.pem --password-file pass "
         "server.p12");
-    command->callback([options, &chosen] { chosen = [options] { return run(*options); }; });
+    command.runs([options] { return run(*options); });
 }
 
 }  // namespace tool

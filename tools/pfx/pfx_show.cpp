@@ -46,24 +46,24 @@ bool run(const Options &options) {
 
 }  // namespace
 
-void add_pfx_show(CLI::App &pfx, Command &chosen) {
-    CLI::App *command = pfx.add_subcommand(
+void add_pfx_show(Arguments &pfx) {
+    Arguments command = pfx.add_command(
         "show", "Show MAC, containers and bags of a PKCS#12 file; keys by kind and size alone.");
     const auto options = std::make_shared<Options>();
-    command->add_option("--format", options->format, "text or json")
-        ->check(CLI::IsMember({"text", "json"}))
-        ->capture_default_str();
-    CLI::Option *without = command->add_flag(
+    command.add_option("--format", options->format, "text or json")
+        .one_of({"text", "json"})
+        .shows_default();
+    Option without = command.add_flag(
         "--no-password", options->no_password,
         "show what can be seen without one: algorithms, and what is not encrypted");
-    add_pfx_input(*command, options->input);
+    add_pfx_input(command, options->input);
     for (const char *other : {"--password-file", "--password-env", "--no-mac"}) {
-        without->excludes(command->get_option(other));
+        without.excludes(command.option(other));
     }
-    command->footer(
+    command.footer(
         "Examples:\n  zacert pfx show server.p12\n"
         "  zacert pfx show --no-password --format json server.p12");
-    command->callback([options, &chosen] { chosen = [options] { return run(*options); }; });
+    command.runs([options] { return run(*options); });
 }
 
 }  // namespace tool

@@ -1,10 +1,10 @@
 #include <zacert.h>
 
+#include "base/arguments.hpp"
 #include "base/dates.hpp"
 #include "base/der.hpp"
 #include "base/der_writer.hpp"
 #include "base/failure.hpp"
-#include "base/options.hpp"
 #include "base/wording.hpp"
 #include "base/write_file.hpp"
 #include "check/revocation.hpp"
@@ -289,46 +289,47 @@ bool run(const Options &options) {
 
 }  // namespace
 
-void add_ocsp_answer(CLI::App &ocsp, Command &chosen) {
-    CLI::App *command =
-        ocsp.add_subcommand("answer", "Answer a request from a CRL and a list of what was issued.");
+void add_ocsp_answer(Arguments &ocsp) {
+    Arguments command =
+        ocsp.add_command("answer", "Answer a request from a CRL and a list of what was issued.");
     const auto options = std::make_shared<Options>();
-    command->add_option("--issuer", options->issuer, "the CA's certificate")
-        ->type_name("CERT")
-        ->required();
-    command->add_option("--crl", options->crl, "the CA's CRL: what stands in it is revoked")
-        ->required();
+    command.add_option("--issuer", options->issuer, "the CA's certificate")
+        .type_name("CERT")
+        .required();
+    command.add_option("--crl", options->crl, "the CA's CRL: what stands in it is revoked")
+        .required();
     command
-        ->add_option("--serials", options->serials,
-                     "a file with the serial number of an issued certificate on each line: these "
-                     "are good, and all others unknown")
-        ->type_name("FILE");
+        .add_option("--serials", options->serials,
+                    "a file with the serial number of an issued certificate on each line: these "
+                    "are good, and all others unknown")
+        .type_name("FILE");
     command
-        ->add_option("--signer", options->signer,
-                     "the certificate of who signs, if not the CA: for OCSP signing, issued by the "
-                     "CA")
-        ->type_name("CERT");
-    add_key_options(*command, "--key", options->key);
-    add_repeatable(*command, "--chain", options->chain,
-                   "further certificates for the response; repeatable")
-        ->type_name("FILE");
+        .add_option("--signer", options->signer,
+                    "the certificate of who signs, if not the CA: for OCSP signing, issued by the "
+                    "CA")
+        .type_name("CERT");
+    add_key_options(command, "--key", options->key);
     command
-        ->add_option("--next-update", options->days,
-                     "days until newer answers, if the next CRL does not come earlier")
-        ->type_name("DAYS")
-        ->check(CLI::Range(1, 100000));
-    command->add_option("--out", options->out, "where to write it; - is standard output")
-        ->type_name("FILE")
-        ->required();
-    command->add_flag("--pem", options->pem, "write PEM instead of DER");
-    command->add_option("REQUEST", options->request, "DER or PEM; - is standard input")->required();
-    command->footer(
+        .add_repeatable("--chain", options->chain,
+                        "further certificates for the response; repeatable")
+        .type_name("FILE");
+    command
+        .add_option("--next-update", options->days,
+                    "days until newer answers, if the next CRL does not come earlier")
+        .type_name("DAYS")
+        .in_range(1, 100000);
+    command.add_option("--out", options->out, "where to write it; - is standard output")
+        .type_name("FILE")
+        .required();
+    command.add_flag("--pem", options->pem, "write PEM instead of DER");
+    command.add_option("REQUEST", options->request, "DER or PEM; - is standard input").required();
+    command.footer(
         "A request that cannot be read is answered with malformedRequest; the exit status is 1 "
         "then.\n"
         "Only this library reads answers; docs/zacert-ocsp.md tells why.\n"
         "Example:\n  zacert ocsp answer --issuer ca.pem --crl ca.crl --serials issued.txt "
         "--signer ocsp.pem --key ocsp.key --out server.ocr server.ocq");
-    command->callback([options, &chosen] { chosen = [options] { return run(*options); }; });
+    command.runs([options] { return run(*options); });
 }
 
 }  // namespace tool

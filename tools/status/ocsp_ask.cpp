@@ -82,32 +82,30 @@ bool run(const Options &options) {
 
 }  // namespace
 
-void add_ocsp_ask(CLI::App &ocsp, Command &chosen) {
-    CLI::App *command =
-        ocsp.add_subcommand("ask", "Make a request for the status of certificates of one issuer.");
+void add_ocsp_ask(Arguments &ocsp) {
+    Arguments command =
+        ocsp.add_command("ask", "Make a request for the status of certificates of one issuer.");
     const auto options = std::make_shared<Options>();
-    command->add_option("--issuer", options->issuer, "the certificate of who issued them")
-        ->type_name("CERT")
-        ->required();
+    command.add_option("--issuer", options->issuer, "the certificate of who issued them")
+        .type_name("CERT")
+        .required();
     command
-        ->add_option("--digest", options->digest,
-                     "what issuers are told by: sha1, which every responder knows, or sha256")
-        ->check(CLI::IsMember({"sha1", "sha256"}))
-        ->capture_default_str();
-    command
-        ->add_flag("--nonce,!--no-nonce", options->nonce,
-                   "random octets that the answer has to repeat, so that it is a new one; the "
-                   "default")
-        ->default_str("");
-    command->add_option("--out", options->out, "where to write it; - is standard output")
-        ->type_name("FILE")
-        ->required();
-    command->add_flag("--pem", options->pem, "write PEM instead of DER");
-    command->add_option("CERT", options->certificates, "the certificates, PEM or DER")->required();
-    command->footer(
+        .add_option("--digest", options->digest,
+                    "what issuers are told by: sha1, which every responder knows, or sha256")
+        .one_of({"sha1", "sha256"})
+        .shows_default();
+    command.add_flag("--nonce,!--no-nonce", options->nonce,
+                     "random octets that the answer has to repeat, so that it is a new one; the "
+                     "default");
+    command.add_option("--out", options->out, "where to write it; - is standard output")
+        .type_name("FILE")
+        .required();
+    command.add_flag("--pem", options->pem, "write PEM instead of DER");
+    command.add_option("CERT", options->certificates, "the certificates, PEM or DER").required();
+    command.footer(
         "Requests are not signed.\n"
         "Example:\n  zacert ocsp ask --issuer ca.pem --out server.ocq server.pem");
-    command->callback([options, &chosen] { chosen = [options] { return run(*options); }; });
+    command.runs([options] { return run(*options); });
 }
 
 }  // namespace tool

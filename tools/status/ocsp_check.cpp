@@ -212,34 +212,32 @@ class Checking {
 
 }  // namespace
 
-void add_ocsp_check(CLI::App &ocsp, Command &chosen) {
-    CLI::App *command =
-        ocsp.add_subcommand("check", "Check a response: who signed it, when, and what it says.");
+void add_ocsp_check(Arguments &ocsp) {
+    Arguments command =
+        ocsp.add_command("check", "Check a response: who signed it, when, and what it says.");
     const auto options = std::make_shared<Options>();
-    command->add_option("--issuer", options->issuer, "the CA's certificate, which is trusted")
-        ->type_name("CERT")
-        ->required();
+    command.add_option("--issuer", options->issuer, "the CA's certificate, which is trusted")
+        .type_name("CERT")
+        .required();
     command
-        ->add_option("--request", options->request,
-                     "the request: its certificates and nonce have to be answered")
-        ->type_name("FILE");
+        .add_option("--request", options->request,
+                    "the request: its certificates and nonce have to be answered")
+        .type_name("FILE");
     command
-        ->add_option("--signer", options->signer,
-                     "the certificate of who signed, if it is not the CA's nor in the response")
-        ->type_name("CERT");
-    command->add_option("--at", options->at, "2030-01-31 or 2030-01-31T23:59:59Z instead of now")
-        ->type_name("DATE");
-    command->add_option("RESPONSE", options->response, "DER or PEM; - is standard input")
-        ->required();
-    command->add_option("CERT", options->certificates,
-                        "the certificates; without any those of the request, without that all "
-                        "that are answered");
-    command->footer(
+        .add_option("--signer", options->signer,
+                    "the certificate of who signed, if it is not the CA's nor in the response")
+        .type_name("CERT");
+    command.add_option("--at", options->at, "2030-01-31 or 2030-01-31T23:59:59Z instead of now")
+        .type_name("DATE");
+    command.add_option("RESPONSE", options->response, "DER or PEM; - is standard input").required();
+    command.add_option("CERT", options->certificates,
+                       "the certificates; without any those of the request, without that all "
+                       "that are answered");
+    command.footer(
         "Exit status: 0 all are good, 1 one is not or the response is not, 2 the arguments make no "
         "sense.\n"
         "Example:\n  zacert ocsp check --issuer ca.pem --request server.ocq server.ocr server.pem");
-    command->callback(
-        [options, &chosen] { chosen = [options] { return Checking(*options).run(); }; });
+    command.runs([options] { return Checking(*options).run(); });
 }
 
 }  // namespace tool

@@ -5,8 +5,8 @@
 
 namespace tool {
 
-void add_ocsp_ask(CLI::App &ocsp, Command &chosen);
-void add_ocsp_answer(CLI::App &ocsp, Command &chosen);
-void add_ocsp_check(CLI::App &ocsp, Command &chosen);
+void add_ocsp_ask(Arguments &ocsp);
+void add_ocsp_answer(Arguments &ocsp);
+void add_ocsp_check(Arguments &ocsp);
 
 }  // namespace tool
