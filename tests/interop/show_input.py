@@ -5,7 +5,7 @@ import re
 import unittest
 
 from support import oracle
-from support.case import ShowTest
+from support.case import DATA, ShowTest
 
 
 class Input(ShowTest):
@@ -36,6 +36,8 @@ class Input(ShowTest):
         der, pem = self.der(self.small), self.small
         size = len(der)
         any_object = "a certificate, CRL, request, PKCS#7 message or OCSP message"
+        pfx = (any_object + ', found a PKCS#12 file: "zacert pfx show" shows it, '
+               '"zacert pfx open" takes out what is inside')
         with open(self.folder / "large", "wb") as large:
             large.truncate(256 * 1024 * 1024 + 1)
         rows = [
@@ -55,6 +57,8 @@ class Input(ShowTest):
             (b"\x30\x85" + der, f"{any_object}: a length is out of range (101)"),
             (b"\x30\x03\x02\x01\x05",
              f"{any_object}: an element is missing or not of the expected kind (108)"),
+            ((DATA.parent / "pkcs12/openssl_legacy.p12").read_bytes(), pfx),
+            ((DATA.parent / "pkcs12/pk12util_3des_sha1.p12").read_bytes(), pfx),
             ("missing", f"{any_object}: No such file or directory"),
             (".", f"{any_object}: Is a directory"),
             ("large", "at most 256 MiB"),

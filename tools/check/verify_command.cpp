@@ -89,6 +89,8 @@ bool verify_file(const PathInputs &inputs, const std::string &path) {
             throw Failure(
                 "expected a certificate, CRL or request: \"zacert ocsp check\" verifies OCSP "
                 "responses");
+        case ObjectKind::pkcs12:
+            throw Failure(pkcs12_instead_of("a certificate, CRL or request"));
         case ObjectKind::unknown:
             throw Failure("expected a certificate, CRL or request");
     }

@@ -42,8 +42,16 @@ View inside(View sequence) {
 }
 
 // The same where the length may be indefinite.
-Elements inside_any_length(View sequence) {
-    return Elements(has_indefinite_length(sequence) ? sequence.subspan(2) : inside(sequence));
+View inside_any_length(View sequence) {
+    return has_indefinite_length(sequence) ? sequence.subspan(2) : inside(sequence);
+}
+
+// PFX ::= SEQUENCE { version INTEGER (3), authSafe ContentInfo, ... }
+bool is_pkcs12(View content) {
+    constexpr auto kBeginning =
+        std::to_array<uint8_t>({ZA_DER_ID_INTEGER, 1, 3, ZA_DER_ID_SEQUENCE});
+    return content.size() > kBeginning.size() &&
+           std::equal(kBeginning.begin(), kBeginning.end(), content.begin());
 }
 
 // Of the first elements; 0 stands for those that are not there.
@@ -96,8 +104,14 @@ bool is_request_list(View element) {
 std::string_view noun(ObjectKind kind) {
     constexpr auto kNouns = std::to_array<std::string_view>(
         {"a certificate, CRL, request, PKCS#7 message or OCSP message", "a certificate", "a CRL",
-         "a request", "a PKCS#7 message", "an OCSP request", "an OCSP response"});
+         "a request", "a PKCS#7 message", "an OCSP request", "an OCSP response", "a PKCS#12 file"});
     return kNouns[static_cast<size_t>(kind)];
+}
+
+std::string pkcs12_instead_of(std::string_view expected) {
+    return "expected " + std::string(expected) +
+           ", found a PKCS#12 file: \"zacert pfx show\" shows it, \"zacert pfx open\" takes out "
+           "what is inside";
 }
 
 ObjectKind kind_of_label(std::string_view label) {
@@ -108,12 +122,17 @@ ObjectKind kind_of_label(std::string_view label) {
 
 ObjectKind kind_of_der(View der) {
     // ContentInfo ::= SEQUENCE { contentType OBJECT IDENTIFIER, content [0] OPTIONAL }
-    if (inside_any_length(der).identifier() == ZA_DER_ID_OBJECTID) {
+    const View content = inside_any_length(der);
+    const uint8_t first = content.empty() ? uint8_t{0} : content.front();
+    if (first == ZA_DER_ID_OBJECTID) {
         return ObjectKind::message;
     }
     // OCSPResponse ::= SEQUENCE { responseStatus ENUMERATED, responseBytes [0] OPTIONAL }
-    if (inside_any_length(der).identifier() == ZA_DER_ID_ENUMERATED) {
+    if (first == ZA_DER_ID_ENUMERATED) {
         return ObjectKind::ocsp_response;
+    }
+    if (is_pkcs12(content)) {
+        return ObjectKind::pkcs12;
     }
     // TBSCertificate ::= SEQUENCE { version [0] DEFAULT v1, serialNumber INTEGER, signature,
     //     issuer, validity SEQUENCE, ... }

@@ -52,6 +52,9 @@ std::vector<Octets> load_all(const std::string &path, ObjectKind kind) {
             if (!candidate.problem.empty()) {
                 throw Failure(candidate.problem);
             }
+            if (candidate.kind == ObjectKind::pkcs12) {
+                throw Failure(pkcs12_instead_of(noun(kind)));
+            }
             if (candidate.kind == kind) {
                 require_kind(kind, candidate.der);
                 objects.push_back(std::move(candidate.der));

@@ -86,6 +86,8 @@ class Show {
             case ObjectKind::ocsp_response:
                 add(path, index, read_ocsp_response(candidate.der));
                 break;
+            case ObjectKind::pkcs12:
+                throw Failure(pkcs12_instead_of(noun(ObjectKind::unknown)));
             case ObjectKind::unknown:
                 throw LibraryError(ZACERT_GeneralErr);
         }
