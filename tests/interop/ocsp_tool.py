@@ -6,6 +6,7 @@ import unittest
 
 from support.messages import elements, good, inside, tool
 from support.peers import FOLDER, attempt, file, octets_of, run
+from support.token import make_token, uri
 
 SERIALS = {"user": "8a", "gone": "00c0ffee", "new": "77", "ocsp": "05", "any": "06"}
 ALL = "user.pem gone.pem new.pem"
@@ -115,6 +116,17 @@ class OcspTest(unittest.TestCase):
         self.assertIn("SM2-with-SM3", good("ocsp check --issuer sm2.pem --request q2 r under.pem"))
         file("r", octets_of("r")[:-1] + bytes([octets_of("r")[-1] ^ 1]))
         self.assertEqual(tool("ocsp check --issuer sm2.pem r")[0], 1)
+
+    def test_token(self):
+        make_token(FOLDER)
+        key = f"--key {uri('object=rsa')} --password-file pin"
+        good("request new --key user.key --subject CN=held --out csr")
+        good(f"cert issue --self {key} --subject CN=token --profile ca --out token.pem")
+        good(f"cert issue --request csr --ca token.pem {key} --serial 8a --profile server --out held.pem")
+        good(f"crl make --ca token.pem {key} --out token.crl")
+        good("ocsp ask --issuer token.pem --out q3 held.pem")
+        answer(key, "q3", "token")
+        good("ocsp check --issuer token.pem --request q3 r held.pem")
 
     def test_checks_fail(self):
         ask(certificates="user.pem")

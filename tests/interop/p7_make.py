@@ -1,16 +1,13 @@
 """Messages that the tool makes are read by openssl and certtool, and theirs by the tool."""
 
 import itertools
-import os
-import pathlib
 import re
 import unittest
 
 from support.messages import MessageTest, by_openssl, good, signed, tool
 from support.peers import FOLDER, attempt, certificate, file, octets_of, refusing, run
+from support.token import make_token, uri
 
-TOKEN = pathlib.Path(os.environ["ZACERT_SOURCE_DIR"], "tests/data/companion/make-token.sh")
-SOFTHSM = next(pathlib.Path("/usr/lib").rglob("libsofthsm2.so"))
 CIPHERS = "aes-128-cbc", "aes-192-cbc", "aes-256-cbc", "des-ede3-cbc"
 # Beyond 64 KiB, where lengths take one octet more.
 CONTENT = bytes(range(256)) * 310 + b"\r\nend"
@@ -106,16 +103,14 @@ class Making(MessageTest):
         self.assertEqual(refusing("message", "content", {"cms"}), {"cms"})
 
     def test_token(self):
-        os.environ["SOFTHSM2_CONF"] = str(FOLDER / "conf")
-        run(f"bash {TOKEN} {FOLDER} {SOFTHSM}")
-        uri = f"pkcs11:token=a%20token;object={{}}?module-path={SOFTHSM}"
-        key = f"--key {uri.format('rsa')} --password-file pin"
+        make_token(FOLDER)
+        key = f"--key {uri('object=rsa')} --password-file pin"
         good(f"request new --subject CN=token --out csr {key}")
         by_openssl("x509 -req -in csr -CA root.pem -CAkey root.key -out token.pem")
         for options in "", "--no-attributes --digest sha512":
             good(f"p7 sign --cert token.pem {key} --out message {options} content")
             self.verified()
-        self.bad("ECDSA", f"p7 sign --cert token.pem --pkcs11 {uri.format('ec;id=%03')} "
+        self.bad("ECDSA", f"p7 sign --cert token.pem --pkcs11 {uri('object=ec;id=%03')} "
                           "--password-file pin content")
 
     def test_signers_refused(self):

@@ -8,11 +8,10 @@ import tempfile
 import unittest
 
 from support.oracle import TOOL, run
+from support.token import make_token, uri
 
 VERIFY = ["verify", "--ca", "root.pem", "--intermediate", "ca.pem"]
 SM2_ID = ["-vfyopt", "distid:1234567812345678"]
-TOKEN = pathlib.Path(os.environ["ZACERT_SOURCE_DIR"], "tests/data/companion/make-token.sh")
-SOFTHSM = next(pathlib.Path("/usr/lib").rglob("libsofthsm2.so"))
 NAMES = "--dns a.example.org --dns b.example.org --email a@example.org --ip ::1 --uri u:a".split()
 CONTENT = ("--crl-url http://crl --ocsp-url http://ocsp --policy 1.2.3.4 --identity passport=E1 "
            "--identity officer-card=军1").split()
@@ -212,11 +211,9 @@ class Pki(unittest.TestCase):
         self.good(*key, "--force")
 
     def test_token(self):
-        os.environ["SOFTHSM2_CONF"] = str(self.folder / "conf")
-        run(["bash", TOKEN, self.folder, SOFTHSM])
+        make_token(self.folder)
         for key in "object=rsa", "object=ec;id=%03":
-            uri = f"pkcs11:token=a%20token;{key}?module-path={SOFTHSM}"
-            token = ["--pkcs11", uri, "--password-file", "pin", "--out"]
+            token = ["--pkcs11", uri(key), "--password-file", "pin", "--out"]
             self.good("cert", "issue", "--self", "--subject", "CN=Token", "--profile", "ca", *token,
                       "token.pem")
             self.openssl("verify", "-check_ss_sig", "-CAfile", "token.pem", "token.pem")

@@ -1,6 +1,11 @@
+// To stand in for the random source, which only a call that has gone out of fashion allows.
+#define OPENSSL_SUPPRESS_DEPRECATED
+
 #include "pkcs12/za_pkcs12_file_support.hpp"
 #include "support/heap.hpp"
 #include "support/trace.hpp"
+
+#include <openssl/rand.h>
 
 namespace za::test {
 namespace {
@@ -119,6 +124,26 @@ TEST(Pkcs12Written, NoMemoryIsSurvivedAndSecretsAreWiped) {
         EXPECT_EQ(len == 7, result != 0);
         return result == 126 ? 100 : result;
     });
+}
+
+// Whichever of the three salts cannot be had, there is no file.
+TEST(Pkcs12Written, NoRandomOctetsNoFile) {
+    static uint32_t left;
+    RAND_METHOD source{};
+    source.bytes = [](unsigned char *out, int len) {
+        std::fill_n(out, len, uint8_t{7});
+        return left-- > 0 ? 1 : 0;
+    };
+    const Context context;
+    ASSERT_EQ(set_all(context, "K A"), 0u);
+    ASSERT_EQ(RAND_set_rand_method(&source), 1);
+    for (const uint32_t good : {0u, 1u, 2u, 3u}) {
+        uint32_t len = 1;
+        left = good;
+        EXPECT_EQ(encode(context, kByLength, nullptr, &len), good < 3 ? 108u : 0u);
+        EXPECT_EQ(len == 1, good < 3);
+    }
+    RAND_set_rand_method(nullptr);
 }
 
 TEST(Pkcs12Contexts, MissingArgumentsAreRefused) {
