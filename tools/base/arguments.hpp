@@ -1,5 +1,5 @@
-// The command line as the commands describe it. CLI11 reads it; arguments.cpp alone includes it, since
-// no other header takes so long to compile.
+// The command line as the commands describe it. CLI11 reads it, and arguments.cpp alone includes
+// that: no other header takes so long to compile.
 #pragma once
 
 #include <functional>
@@ -14,7 +14,8 @@ class Option;
 
 namespace tool {
 
-// What a command does once all arguments are read: whether everything was good. Failures are thrown.
+// What a command does once all arguments are read. It tells whether everything was good;
+// failures are thrown.
 using Command = std::function<bool()>;
 
 // A handle of an option. Each function returns the option itself.
@@ -63,6 +64,7 @@ class Arguments {
 
     // Text behind the help.
     void footer(const std::string &text);
+    // What is done where this command is the one that was chosen.
     void runs(Command command);
 
   private:
