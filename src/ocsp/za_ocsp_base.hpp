@@ -18,6 +18,7 @@ constexpr uint8_t context_tag(uint8_t number) {
 // Releases what a record owns and makes it empty.
 void clear(ZA_OCSP_EXTENSION &record);
 void clear(ZA_OCSP_BASICRESPONSE &record);
+void clear(ZA_OCSP_CERTSTATUS &record);
 
 // A copy in the place of what the record had, which is released.
 Status replace_value(Anybuf &record, Bytes bytes);
@@ -129,6 +130,12 @@ Status read_with_name(ZI_Name &record, const Read &read) {
     ZA_PASS(name.empty() ? Status::ok : hand_over(name, record));
     return status;
 }
+
+// CertStatus ::= CHOICE { good [0] IMPLICIT NULL, revoked [1] IMPLICIT RevokedInfo,
+//     unknown [2] IMPLICIT OCTET STRING }: what is unknown has octets here and NULL elsewhere
+constexpr uint8_t kGood = 0x80;
+constexpr uint8_t kRevoked = 0xA1;
+constexpr uint8_t kUnknown = 0x82;
 
 // ZI_DecodeCertStatus
 Status read_cert_status(const asn1::Element &in, ZA_OCSP_CERTSTATUS &record);

@@ -98,9 +98,6 @@ Status read_both(const Element &in, ZA_OCSP_RESPONDERID &record, names::NameList
     return end_of(trace, fields);
 }
 
-constexpr uint8_t kGood = 0x80;
-constexpr uint8_t kUnknown = 0x82;
-
 // revocationReason [0] EXPLICIT CRLReason OPTIONAL
 Status read_reason(Children &fields, ZA_OCSP_CERTSTATUS &record) {
     Element reason;
@@ -149,14 +146,13 @@ Status read_unknown(const Element &in, ZA_OCSP_CERTSTATUS &record) {
     return Status::ok;
 }
 
-// CertStatus ::= CHOICE { good [0] IMPLICIT NULL, revoked [1] IMPLICIT RevokedInfo,
-//     unknown [2] IMPLICIT OCTET STRING }
+// Whether constructed or not.
 Status read_choice(const Element &in, ZA_OCSP_CERTSTATUS &record) {
     const uint8_t identifier = in.octets.empty() ? 0 : in.octets[0];
     switch (identifier & ~uint32_t{asn1::kConstructed}) {
         case kGood:
             return read_good(in, record);
-        case kGood | 1:
+        case kRevoked & ~uint32_t{asn1::kConstructed}:
             return read_revoked(in, record);
         case kUnknown:
             return read_unknown(in, record);
@@ -178,6 +174,12 @@ Status read_status(const Element &in, ZA_OCSP_CERTSTATUS &record) {
 }
 
 }  // namespace
+
+void clear(ZA_OCSP_CERTSTATUS &record) {
+    za::clear(record.reason);
+    za::clear(record.unknown);
+    record = {};
+}
 
 Status write_responder_id(ZA_OCSP_RESPONDERID &record, const CryptSlot &function, Builder &out) {
     return trace.announced([&] { return write_both(record, function, out); },

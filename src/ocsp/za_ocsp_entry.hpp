@@ -50,4 +50,9 @@ Status get_in_id(Context &context, const AttributeRow<Context> &, Bytes &out) {
     return Status::ok;
 }
 
+template <class Context>
+CryptSlot &hash_in_id(Context &context) {
+    return context.id.hash;
+}
+
 }  // namespace za::ocsp

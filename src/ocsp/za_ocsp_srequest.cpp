@@ -83,10 +83,6 @@ constexpr Frames<RequestEntry> kFrames{
     []() -> const AttributeTable<RequestEntry> & { return kAttributes; },
     {kInvalidAttribute, kInvalidAttribute, kInvalidAttribute}};
 
-CryptSlot &hash_of(RequestEntry &entry) {
-    return entry.id.hash;
-}
-
 }  // namespace
 }  // namespace za::ocsp
 
@@ -104,7 +100,7 @@ uint32_t ZA_OCSP_SetRequestListAttributeChar(void *ctx, int32_t id, const uint8_
 
 uint32_t ZA_OCSP_SetRequestListHashFunc(void *ctx, ZA_CryptFunc hashFunc, const uint8_t *arg,
                                         uint32_t argLen) {
-    return kFrames.install(ctx, za::ocsp::hash_of, hashFunc, arg, argLen);
+    return kFrames.install(ctx, za::ocsp::hash_in_id<RequestEntry>, hashFunc, arg, argLen);
 }
 
 uint32_t ZA_OCSP_EncodeRequestList(void *ctx, Anybuf **out) {

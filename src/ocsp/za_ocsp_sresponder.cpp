@@ -90,16 +90,13 @@ static_assert(kAttributes.ascending());
 constexpr HashTexts kHashTexts{"------------>The Hash Func Error",
                                "------------>The Hash Func Error"};
 
-constexpr uint8_t kGood = 0x80;
-constexpr uint8_t kUnknown = 0x82;
-
 // revoked [1] IMPLICIT RevokedInfo ::= SEQUENCE { revocationTime GeneralizedTime,
 //     revocationReason [0] EXPLICIT CRLReason OPTIONAL }
 Status write_revoked(const ResponseEntry &entry, Builder &out) {
     if (entry.revocation_time > INT32_MAX) {
         return trace.fail(Status::invalid_time);
     }
-    return out.wrapped(context_tag(1), [&] {
+    return out.wrapped(kRevoked, [&] {
         const ZA_OCSP_TIME time{static_cast<int32_t>(entry.revocation_time), 0};
         ZA_PASS(write_time(trace, time, out));
         if (!entry.reason.empty()) {
@@ -110,8 +107,6 @@ Status write_revoked(const ResponseEntry &entry, Builder &out) {
     });
 }
 
-// CertStatus ::= CHOICE { good [0] IMPLICIT NULL, revoked [1] IMPLICIT RevokedInfo,
-//     unknown [2] IMPLICIT OCTET STRING }: what is unknown has octets here and NULL elsewhere
 Status write_status(const ResponseEntry &entry, Builder &out) {
     switch (entry.status) {
         case CertStatus::good:
@@ -141,31 +136,19 @@ Status write(ResponseEntry &entry, Builder &out) {
     });
 }
 
-// A record of the interface whose values go with it.
-struct StatusRecord {
-    ZA_OCSP_CERTSTATUS value{};
-    StatusRecord() = default;
-    StatusRecord(const StatusRecord &) = delete;
-    StatusRecord &operator=(const StatusRecord &) = delete;
-    ~StatusRecord() {
-        za::clear(value.reason);
-        za::clear(value.unknown);
-    }
-};
-
 Status read_status(Children &fields, ResponseEntry &out) {
     Element status;
-    StatusRecord record;
+    Owned<ZA_OCSP_CERTSTATUS> record;
     if (!fields.next(status)) {
         return trace.fail(Status::invalid_item);
     }
-    ZA_PASS(ZA_BODY(ZI_DecodeCertStatus, read_cert_status(status, record.value)));
-    out.status = record.value.goodFlag == 1      ? CertStatus::good
-                 : record.value.revokedFlag == 1 ? CertStatus::revoked
-                                                 : CertStatus::unknown;
-    out.revocation_time = static_cast<uint32_t>(record.value.revocationTime.value);
-    ZA_PASS(out.reason.assign(bytes_of(record.value.reason)));
-    return out.unknown.assign(bytes_of(record.value.unknown));
+    ZA_PASS(ZA_BODY(ZI_DecodeCertStatus, read_cert_status(status, *record)));
+    out.status = record->goodFlag == 1      ? CertStatus::good
+                 : record->revokedFlag == 1 ? CertStatus::revoked
+                                            : CertStatus::unknown;
+    out.revocation_time = static_cast<uint32_t>(record->revocationTime.value);
+    ZA_PASS(out.reason.assign(bytes_of(record->reason)));
+    return out.unknown.assign(bytes_of(record->unknown));
 }
 
 Status read_times(Children &fields, ResponseEntry &out) {
@@ -212,10 +195,6 @@ constexpr Frames<ResponseEntry> kFrames{
 // Stands for one whose value cannot be.
 constexpr int32_t kNoAttribute = -1;
 
-CryptSlot &hash_of(ResponseEntry &entry) {
-    return entry.id.hash;
-}
-
 }  // namespace
 }  // namespace za::ocsp
 
@@ -241,7 +220,7 @@ uint32_t ZA_OCSP_SetResponseListAttributeInt(void *ctx, int32_t id, int32_t valu
 
 uint32_t ZA_OCSP_SetResponseListHashFunc(void *ctx, ZA_CryptFunc hashFunc, const uint8_t *arg,
                                          uint32_t argLen) {
-    return kFrames.install(ctx, za::ocsp::hash_of, hashFunc, arg, argLen);
+    return kFrames.install(ctx, za::ocsp::hash_in_id<ResponseEntry>, hashFunc, arg, argLen);
 }
 
 uint32_t ZA_OCSP_SetResponseList_CertStatusGood(void *ctx) {
